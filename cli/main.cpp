@@ -1,0 +1,3 @@
+#include "QvrCommandLine.h"
+
+int main(int argc, char** argv) { return QvrCommandLine::Run(argc, argv); }

@@ -1,0 +1,56 @@
+#include "foundation/EStringTable.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+struct Entry {
+    EStringId id;
+    std::string_view text;
+};
+
+constexpr Entry unsortedEntries[] = {
+#include "app/Strings.inc"
+#include "foundation/Strings.inc"
+#if __has_include("model/Strings.inc")
+#include "model/Strings.inc"
+#endif
+#if __has_include("imaging/Strings.inc")
+#include "imaging/Strings.inc"
+#endif
+#if __has_include("objects/Strings.inc")
+#include "objects/Strings.inc"
+#endif
+#if __has_include("output/Strings.inc")
+#include "output/Strings.inc"
+#endif
+#if __has_include("projector/Strings.inc")
+#include "projector/Strings.inc"
+#endif
+#if __has_include("batch/Strings.inc")
+#include "batch/Strings.inc"
+#endif
+#if __has_include("views/Strings.inc")
+#include "views/Strings.inc"
+#endif
+};
+
+constexpr auto sortedEntries() {
+    std::array<Entry, std::size(unsortedEntries)> entries{};
+    std::copy(std::begin(unsortedEntries), std::end(unsortedEntries), entries.begin());
+    std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.id < b.id; });
+    return entries;
+}
+
+constexpr auto table = sortedEntries();
+
+} // namespace
+
+std::string_view EStringTable::Get(EStringId id) {
+    auto it = std::lower_bound(table.begin(), table.end(), id,
+                               [](const Entry& e, EStringId wanted) { return e.id < wanted; });
+    return (it != table.end() && it->id == id) ? it->text : std::string_view();
+}
+
+std::string EStringTable::Load(EStringId id) { return std::string(Get(id)); }

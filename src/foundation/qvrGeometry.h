@@ -1,0 +1,27 @@
+#pragma once
+// Points, sizes and rectangles in the platform's integer form. A rectangle
+// holds left and top inclusive, right and bottom exclusive.
+
+struct CPoint {
+    long x = 0;
+    long y = 0;
+    friend bool operator==(const CPoint&, const CPoint&) = default;
+};
+
+struct CSize {
+    long cx = 0;
+    long cy = 0;
+    friend bool operator==(const CSize&, const CSize&) = default;
+};
+
+struct CRect {
+    long left = 0;
+    long top = 0;
+    long right = 0;
+    long bottom = 0;
+
+    long Width() const { return right - left; }
+    long Height() const { return bottom - top; }
+    bool IsRectEmpty() const { return right <= left || bottom <= top; }
+    friend bool operator==(const CRect&, const CRect&) = default;
+};
