@@ -23,7 +23,9 @@ std::unique_ptr<qvrCTreeData> makeLargeTree() {
     return root;
 }
 
-std::string benchFile() { return (std::filesystem::temp_directory_path() / "qvr_tree_bench.tsp").string(); }
+std::string benchFile() {
+    return (std::filesystem::temp_directory_path() / "qvr_tree_bench.tsp").string();
+}
 
 void TreeWrite100kKeys(benchmark::State& state) {
     auto tree = makeLargeTree();

@@ -5,14 +5,13 @@
 
 namespace {
 
-constexpr const char* UsageText =
-    "usage: qvr [--version] [--help] COMMAND [ARGS]\n"
-    "\n"
-    "The headless face of qvrTessarine.\n"
-    "\n"
-    "options:\n"
-    "  --version   print the program's name and version\n"
-    "  --help      print this text\n";
+constexpr const char* UsageText = "usage: qvr [--version] [--help] COMMAND [ARGS]\n"
+                                  "\n"
+                                  "The headless face of qvrTessarine.\n"
+                                  "\n"
+                                  "options:\n"
+                                  "  --version   print the program's name and version\n"
+                                  "  --help      print this text\n";
 
 } // namespace
 

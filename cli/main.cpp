@@ -1,3 +1,5 @@
 #include "QvrCommandLine.h"
 
-int main(int argc, char** argv) { return QvrCommandLine::Run(argc, argv); }
+int main(int argc, char** argv) {
+    return QvrCommandLine::Run(argc, argv);
+}

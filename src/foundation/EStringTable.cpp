@@ -53,4 +53,6 @@ std::string_view EStringTable::Get(EStringId id) {
     return (it != table.end() && it->id == id) ? it->text : std::string_view();
 }
 
-std::string EStringTable::Load(EStringId id) { return std::string(Get(id)); }
+std::string EStringTable::Load(EStringId id) {
+    return std::string(Get(id));
+}

@@ -21,7 +21,9 @@ std::optional<std::string> EUserInterface::AskFile(const EFileDialogRequest& req
     return request.ProposedPath;
 }
 
-void EUserInterface::SetStatusText(const std::string& text) { qvrTraceVerbose("%s\n", text.c_str()); }
+void EUserInterface::SetStatusText(const std::string& text) {
+    qvrTraceVerbose("%s\n", text.c_str());
+}
 
 void EUserInterface::ShowReport(const std::string& title, int, const std::vector<hReportEntry>& entries) {
     std::fprintf(stderr, "%s\n", title.c_str());
@@ -35,4 +37,6 @@ EUserInterface& EUserInterface::Get() {
     return hook ? *hook : headless;
 }
 
-void EUserInterface::Set(EUserInterface* hook) { installedHook.store(hook); }
+void EUserInterface::Set(EUserInterface* hook) {
+    installedHook.store(hook);
+}

@@ -12,24 +12,16 @@
 #include <vector>
 
 // Button ids, as message boxes answer them.
-enum EButtonId : int {
-    IDOK = 1,
-    IDCANCEL = 2,
-    IDABORT = 3,
-    IDRETRY = 4,
-    IDIGNORE = 5,
-    IDYES = 6,
-    IDNO = 7
-};
+enum EButtonId : int { IDOK = 1, IDCANCEL = 2, IDABORT = 3, IDRETRY = 4, IDIGNORE = 5, IDYES = 6, IDNO = 7 };
 
 struct EMessageRequest {
     std::string Text;
     std::string Title;
-    std::vector<int> Buttons;          // button ids, in order
-    std::vector<std::string> Labels;   // the text of each button
-    size_t DefaultIndex = 0;           // the button a headless run presses
-    unsigned Icon = 0;                 // 0x10 stop, 0x20 question, 0x30 exclamation, 0x40 information
-    std::string AlwaysText;            // the check box's text; empty: no check box
+    std::vector<int> Buttons;        // button ids, in order
+    std::vector<std::string> Labels; // the text of each button
+    size_t DefaultIndex = 0;         // the button a headless run presses
+    unsigned Icon = 0;               // 0x10 stop, 0x20 question, 0x30 exclamation, 0x40 information
+    std::string AlwaysText;          // the check box's text; empty: no check box
 };
 
 struct EMessageAnswer {

@@ -12,9 +12,13 @@ void hReport::Report(const std::string& text, int level) {
     if (Root) Root->Add({Name, Path, text, level});
 }
 
-void hReport::Report(EStringId textId, int level) { Report(EStringTable::Load(textId), level); }
+void hReport::Report(EStringId textId, int level) {
+    Report(EStringTable::Load(textId), level);
+}
 
-hReportRoot::hReportRoot(std::string name) : hReport(std::move(name)) { Root = this; }
+hReportRoot::hReportRoot(std::string name) : hReport(std::move(name)) {
+    Root = this;
+}
 
 void hReportRoot::Add(hReportEntry entry) {
     if (entry.Level > WorstLevel) WorstLevel = entry.Level;

@@ -10,9 +10,12 @@ constexpr size_t ReadBufferSize = 64 * 1024;
 
 const char* openMode(qvrCDiskTextFile::Mode mode) {
     switch (mode) {
-    case qvrCDiskTextFile::Mode::Read: return "rb";
-    case qvrCDiskTextFile::Mode::Write: return "wb";
-    case qvrCDiskTextFile::Mode::Append: return "ab";
+    case qvrCDiskTextFile::Mode::Read:
+        return "rb";
+    case qvrCDiskTextFile::Mode::Write:
+        return "wb";
+    case qvrCDiskTextFile::Mode::Append:
+        return "ab";
     }
     return "rb";
 }

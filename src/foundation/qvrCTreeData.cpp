@@ -60,12 +60,21 @@ std::string collapseString(std::string_view text, const EscapeTable& table) {
 
 } // namespace
 
-std::string qvrCTreeData::ExpandName(std::string_view text) { return expandString(text, nameTable); }
-std::string qvrCTreeData::ExpandValue(std::string_view text) { return expandString(text, valueTable); }
-std::string qvrCTreeData::CollapseName(std::string_view text) { return collapseString(text, nameTable); }
-std::string qvrCTreeData::CollapseValue(std::string_view text) { return collapseString(text, valueTable); }
+std::string qvrCTreeData::ExpandName(std::string_view text) {
+    return expandString(text, nameTable);
+}
+std::string qvrCTreeData::ExpandValue(std::string_view text) {
+    return expandString(text, valueTable);
+}
+std::string qvrCTreeData::CollapseName(std::string_view text) {
+    return collapseString(text, nameTable);
+}
+std::string qvrCTreeData::CollapseValue(std::string_view text) {
+    return collapseString(text, valueTable);
+}
 
-qvrCTreeData::qvrCTreeData(std::string name, std::string value) : Value(std::move(value)), Name(std::move(name)) {}
+qvrCTreeData::qvrCTreeData(std::string name, std::string value)
+    : Value(std::move(value)), Name(std::move(name)) {}
 
 qvrCTreeData* qvrCTreeData::AddChild(std::unique_ptr<qvrCTreeData> node) {
     if (!node) return nullptr;
@@ -121,7 +130,8 @@ bool qvrCTreeData::Rename(const std::string& name) {
 
 std::unique_ptr<qvrCTreeData> qvrCTreeData::Clone() const {
     auto copy = std::make_unique<qvrCTreeData>(Name, Value);
-    for (const auto& [key, child] : Children) copy->AddChild(child->Clone());
+    for (const auto& [key, child] : Children)
+        copy->AddChild(child->Clone());
     return copy;
 }
 
@@ -139,18 +149,24 @@ std::unique_ptr<qvrCTreeData> qvrCTreeData::CreateNode(const std::string& name) 
 
 const char* qvrCTreeData::BadFormatText(int code) {
     switch (code) {
-    case BlockNeverOpened: return "Block closed that was never opened";
-    case InvalidName: return "Invalid name for new object";
-    case UnexpectedEndOfFile: return "Unexpected end of file (block not closed)";
-    case GarbageBeforeBlock: return "Garbage before start of block";
-    case NameExists: return "An Object with that name already exists";
+    case BlockNeverOpened:
+        return "Block closed that was never opened";
+    case InvalidName:
+        return "Invalid name for new object";
+    case UnexpectedEndOfFile:
+        return "Unexpected end of file (block not closed)";
+    case GarbageBeforeBlock:
+        return "Garbage before start of block";
+    case NameExists:
+        return "An Object with that name already exists";
     }
     return "";
 }
 
 void qvrCTreeData::OnLoadBadFormat(qvrCTreeDataReport* report, qvrCTextFile& file, long line, int code) {
-    qvrTrace("*** WARNING[qvrCTreeData::OnLoadBadFormat()]: Error while loading %s, line %ld, context %s: %s.\n",
-             file.GetName().c_str(), line, Name.c_str(), BadFormatText(code));
+    qvrTrace(
+        "*** WARNING[qvrCTreeData::OnLoadBadFormat()]: Error while loading %s, line %ld, context %s: %s.\n",
+        file.GetName().c_str(), line, Name.c_str(), BadFormatText(code));
     if (report) report->OnBadFormat(file, line, Name, code);
 }
 
@@ -251,13 +267,16 @@ void qvrCTreeData::Save(qvrCTextFile& file, const std::string& indent, qvrCTreeD
     file.WriteText(head);
     if (report) report->OnNodeSaved(file, *this);
     std::string childIndent = indent + "   ";
-    for (const auto& [key, child] : Children) child->Save(file, childIndent, report);
+    for (const auto& [key, child] : Children)
+        child->Save(file, childIndent, report);
     file.WriteText(indent + " } <" + name + ">\n");
 }
 
 // Typed values ----------------------------------------------------------------
 
-std::string qvrTreeText::FromBool(bool value) { return value ? "Yes" : "No"; }
+std::string qvrTreeText::FromBool(bool value) {
+    return value ? "Yes" : "No";
+}
 
 bool qvrTreeText::ToBool(std::string_view text, bool& value) {
     if (qvrEqualNoCase(text, "Yes")) {
@@ -303,7 +322,8 @@ qvrCTreeData* qvrCTreeData::GetLong(std::string_view name, long& value, qvrCTree
 }
 
 qvrCTreeData* qvrCTreeData::GetBool(std::string_view name, bool& value, qvrCTreeData** bad) const {
-    return getTyped(*this, name, bad, [&](const std::string& text) { return qvrTreeText::ToBool(text, value); });
+    return getTyped(*this, name, bad,
+                    [&](const std::string& text) { return qvrTreeText::ToBool(text, value); });
 }
 
 qvrCTreeData* qvrCTreeData::GetPoint(std::string_view name, CPoint& value, qvrCTreeData** bad) const {
@@ -331,8 +351,9 @@ qvrCTreeData* qvrCTreeData::GetRect(std::string_view name, CRect& value, qvrCTre
     });
 }
 
-qvrCTreeData* qvrCTreeData::GetDescriptor(std::string_view name, std::string& className, std::string& typeName,
-                                          std::string& objectName, qvrCTreeData** bad) const {
+qvrCTreeData* qvrCTreeData::GetDescriptor(std::string_view name, std::string& className,
+                                          std::string& typeName, std::string& objectName,
+                                          qvrCTreeData** bad) const {
     return getTyped(*this, name, bad, [&](const std::string& text) {
         size_t first = text.find('/');
         if (first == std::string::npos) return false;

@@ -87,7 +87,8 @@ public:
     qvrCTreeData* SetRect(const std::string& name, const CRect& value);
     qvrCTreeData* SetDescriptor(const std::string& name, const std::string& className,
                                 const std::string& typeName, const std::string& objectName);
-    qvrCTreeData* SetClassId(const std::string& name, const std::string& className, const std::string& typeName);
+    qvrCTreeData* SetClassId(const std::string& name, const std::string& className,
+                             const std::string& typeName);
 
     const std::string& GetName() const { return Name; }
     // Renames the node; false when a sibling already has the name.

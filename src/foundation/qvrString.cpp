@@ -90,21 +90,27 @@ bool qvrEqualNoCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && qvrCompareNoCase(a, b) == 0;
 }
 
-bool qvrIsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; }
+bool qvrIsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f';
+}
 
 std::string_view qvrTrimLeft(std::string_view text) {
     size_t start = 0;
-    while (start < text.size() && qvrIsBlank(text[start])) ++start;
+    while (start < text.size() && qvrIsBlank(text[start]))
+        ++start;
     return text.substr(start);
 }
 
 std::string_view qvrTrimRight(std::string_view text) {
     size_t end = text.size();
-    while (end > 0 && qvrIsBlank(text[end - 1])) --end;
+    while (end > 0 && qvrIsBlank(text[end - 1]))
+        --end;
     return text.substr(0, end);
 }
 
-std::string_view qvrTrim(std::string_view text) { return qvrTrimRight(qvrTrimLeft(text)); }
+std::string_view qvrTrim(std::string_view text) {
+    return qvrTrimRight(qvrTrimLeft(text));
+}
 
 bool qvrParseLong(std::string_view text, long& value) {
     if (text.empty()) return false;

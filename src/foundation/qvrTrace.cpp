@@ -55,7 +55,9 @@ void qvrTraceVerbose(const char* format, ...) {
     emit(2, text);
 }
 
-void qvrTraceText(const std::string& text) { emit(1, text); }
+void qvrTraceText(const std::string& text) {
+    emit(1, text);
+}
 
 void qvrSetTraceSink(qvrTraceSink sink) {
     TraceChannel& ch = channel();

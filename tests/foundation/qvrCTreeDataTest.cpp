@@ -1,5 +1,5 @@
-#include "foundation/qvrCTextFile.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrCTextFile.h"
 
 #include <gtest/gtest.h>
 
@@ -66,8 +66,10 @@ TEST(TreeData, SpecialCharactersInNamesAndValuesComeBackExactly) {
 TEST(TreeData, ChildrenComeOutSortedWithoutRegardToCase) {
     qvrCTreeData a("Root");
     qvrCTreeData b("Root");
-    for (const char* name : {"beta", "Alpha", "_under", "gamma", "Zulu"}) a.SetText(name, "1");
-    for (const char* name : {"Zulu", "gamma", "_under", "Alpha", "beta"}) b.SetText(name, "1");
+    for (const char* name : {"beta", "Alpha", "_under", "gamma", "Zulu"})
+        a.SetText(name, "1");
+    for (const char* name : {"Zulu", "gamma", "_under", "Alpha", "beta"})
+        b.SetText(name, "1");
     std::string text = saveToText(a);
     EXPECT_EQ(text, saveToText(b));
     // '_' sorts after the capitals but before the lower-case letters once folded to lower case.
@@ -139,7 +141,8 @@ TEST(TreeData, TruncatedFileKeepsWhatWasReadAndReportsEndOfFile) {
 
 TEST(TreeData, BinaryGarbageNeverStopsTheReader) {
     std::string garbage;
-    for (int i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 131 + 7) % 256);
+    for (int i = 0; i < 4096; ++i)
+        garbage += static_cast<char>((i * 131 + 7) % 256);
     qvrCTreeData root;
     RecordingReport report;
     loadFromText(garbage, root, &report);
