@@ -56,3 +56,5 @@ std::string_view EStringTable::Get(EStringId id) {
 std::string EStringTable::Load(EStringId id) {
     return std::string(Get(id));
 }
+
+size_t EStringTable::Count() { return table.size(); }

@@ -12,4 +12,6 @@ namespace EStringTable {
 // The text of an id, or an empty text for an id that the table doesn't hold.
 std::string_view Get(EStringId id);
 std::string Load(EStringId id);
+// The number of texts in the table.
+size_t Count();
 } // namespace EStringTable

@@ -1,0 +1,82 @@
+// The program's components, in one place so that their order is visible.
+// Each waiting list grows at its head, so the definitions below run in the
+// reverse of the start order within each list.
+
+#include "app/EInitializer.h"
+#include "foundation/ELog.h"
+#include "foundation/iDataBaseSection.h"
+
+#include <functional>
+
+namespace {
+
+class EComponent : public EInitializer {
+public:
+    using InitStep = std::function<bool()>;
+    using ExitStep = std::function<void()>;
+
+    EComponent(EStringId nameId, EStringId dependencyId, InitStep init = {}, ExitStep exit = {},
+               std::function<unsigned()> steps = {})
+        : EInitializer(nameId, dependencyId), Init(std::move(init)), Exit(std::move(exit)),
+          Steps(std::move(steps)) {}
+
+    bool OnInit(EInitializerStatus&) override { return Init ? Init() : true; }
+    void OnExit(EInitializerStatus&) override {
+        if (Exit) Exit();
+    }
+    unsigned GetStepCount() override { return Steps ? Steps() : 1; }
+
+private:
+    InitStep Init;
+    ExitStep Exit;
+    std::function<unsigned()> Steps;
+};
+
+constexpr EStringId VitreaSaver = 40210;
+constexpr EStringId OleDataFormats = 40203;
+constexpr EStringId MatrixEffects = 40217;
+constexpr EStringId ComponentLibrary = 40202;
+constexpr EStringId ComponentData = 40209;
+constexpr EStringId ProgramDatabase = 40214;
+constexpr EStringId InterfaceImages = 40218;
+constexpr EStringId GlobalData = 40204;
+constexpr EStringId Environment = 40205;
+constexpr EStringId Localization = 40206;
+constexpr EStringId MessageBoxes = 40211;
+constexpr EStringId GlobalLog = 40212;
+constexpr EStringId ProxyConfiguration = 40208;
+constexpr EStringId AviCompressors = 40216;
+constexpr EStringId BatchProcessor = 40219;
+
+// Components with a dependency, started in the order 13 to 17.
+EComponent batchProcessor(BatchProcessor, GlobalLog);
+EComponent aviCompressors(AviCompressors, GlobalLog);
+EComponent proxyConfiguration(ProxyConfiguration, Environment);
+EComponent globalLog(
+    GlobalLog, Environment,
+    [] {
+        ELog::GlobalOpen();
+        return true;
+    },
+    [] { ELog::GlobalClose(); });
+// The message memory lives in the preferences' "Messages" section alone.
+EComponent messageBoxes(MessageBoxes, GlobalData);
+
+// Components without a dependency, started in the order 1 to 12.
+EComponent localization(Localization, 0, {}, {}, [] { return static_cast<unsigned>(EStringTable::Count()); });
+EComponent environment(Environment, 0);
+EComponent globalData(GlobalData, 0);
+EComponent interfaceImages(InterfaceImages, 0);
+EComponent programDatabase(ProgramDatabase, 0, [] {
+    iDataBaseSection::LinkWaitingSections();
+    return true;
+});
+EComponent componentData(ComponentData, 0);
+EComponent componentLibrary(ComponentLibrary, 0);
+EComponent matrixEffects(MatrixEffects, 0, {}, {}, [] { return 0u; });
+EComponent oleDataFormats(OleDataFormats, 0);
+EComponent vitreaCalibrationFilter(VitreaSaver, 0);
+EComponent vitreaMetricsFilter(VitreaSaver, 0);
+EComponent vitreaOutputFilesFilter(VitreaSaver, 0);
+
+} // namespace
