@@ -1,0 +1,131 @@
+#include "foundation/ELog.h"
+#include "foundation/EPrefsLog.h"
+#include "foundation/ScratchDirectory.h"
+#include "foundation/qvrString.h"
+#include "foundation/qvrTrace.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+namespace {
+
+const std::string Rule = "------------------------------------------------------------------";
+
+class LogTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        EPrefsLog::StoreSettings(logFile(), false, ELog::LevelMessage);
+        qvrSetTraceSink([this](const std::string& line) { traces.push_back(line); });
+    }
+    void TearDown() override {
+        qvrSetTraceSink({});
+        EPrefsLog::Get().Reset();
+    }
+    std::string logFile() const { return dir.File("test.log"); }
+    std::string logText() const { return ScratchDirectory::ReadAll(logFile()); }
+    // What follows the banner.
+    std::string entries() const {
+        std::string text = logText();
+        size_t start = text.find("Logfile engine started at ");
+        size_t end = text.find(".\n\n", start);
+        return end == std::string::npos ? text : text.substr(end + 3);
+    }
+
+    ScratchDirectory dir{"log"};
+    std::vector<std::string> traces;
+};
+
+} // namespace
+
+TEST_F(LogTest, OpenWritesTheBannerAndCloseTheEndLine) {
+    ELog::GlobalOpen();
+    ELog::GlobalClose();
+    std::string text = logText();
+    std::string head = "\n\nqvrTessarine log file\n[qvrTessarine V" QVR_VERSION_TEXT "]\n" + Rule +
+                       "\nLogfile engine started at ";
+    ASSERT_EQ(text.rfind(head, 0), 0u) << text;
+    size_t stopped = text.find("\n" + Rule + "\nLogfile engine stopped at ");
+    ASSERT_NE(stopped, std::string::npos);
+    EXPECT_GT(stopped, head.size() + 3) << "the start time is missing";
+    EXPECT_EQ(text.substr(text.size() - 3), ".\n\n");
+}
+
+TEST_F(LogTest, OneContextMakesOneSectionAndEveryTextLineIsIndented) {
+    ELog::GlobalOpen();
+    ELog::Notice("first", "Context A");
+    ELog::Warning("two\nlines", "CONTEXT a");
+    ELog::Error("third", "Context B");
+    EXPECT_EQ(entries(), "\n\n[Context A]\n\n    Notice:\n       first\n"
+                         "\n    Warning:\n       two\n       lines\n"
+                         "\n\n[Context B]\n\n    Error:\n       third\n");
+}
+
+TEST_F(LogTest, OnlyLevelsFromTheThresholdToFiveWithTextAreWritten) {
+    EPrefsLog::StoreSettings(logFile(), false, ELog::LevelWarning);
+    ELog::GlobalOpen();
+    ELog::Notice("below the threshold", "Levels");
+    ELog::Log(6, "Levels", "out of range");
+    ELog::Log(-1, "Levels", "negative");
+    ELog::Warning("", "Levels");
+    ELog::Failure("kept", "Levels");
+    ELog::Log(ELog::LevelDisaster, "Levels", "worst");
+    EXPECT_EQ(entries(), "\n\n[Levels]\n\n    Failure:\n       kept\n"
+                         "\n    Disaster<unknown_level>:\n       worst\n");
+}
+
+TEST_F(LogTest, OpeningWithoutAppendRemovesTheOldLogAndWithAppendKeepsIt) {
+    ELog::Message("old line", "Start");
+    ELog::GlobalOpen();
+    EXPECT_EQ(logText().find("old line"), std::string::npos);
+    ELog::Message("second run", "Start");
+    EPrefsLog::StoreSettings(logFile(), true, ELog::LevelMessage);
+    ELog::GlobalOpen();
+    std::string text = logText();
+    EXPECT_NE(text.find("second run"), std::string::npos);
+    EXPECT_NE(text.find("Logfile engine started", text.find("second run")), std::string::npos);
+}
+
+TEST_F(LogTest, AFailedWriteSilencesTheLogUntilTheSettingsAreStoredAgain) {
+    const std::string missing = dir.File("missing/test.log");
+    EPrefsLog::StoreSettings(missing, true, ELog::LevelMessage);
+    ELog::Warning("lost", "Failing");
+    ASSERT_EQ(traces.size(), 1u);
+    EXPECT_EQ(traces[0].rfind(qvrFormat("*** WARNING[ELog::writeRaw()]: Failed to save log text to \"%s\": ",
+                                        missing.c_str()),
+                              0),
+              0u);
+    EXPECT_TRUE(EPrefsLog::HasErrorTxt());
+    EXPECT_FALSE(EPrefsLog::GetLastError().empty());
+
+    std::filesystem::create_directories(dir.Path / "missing");
+    ELog::Warning("also lost", "Failing");
+    EXPECT_FALSE(std::filesystem::exists(missing));
+    EXPECT_EQ(traces.size(), 1u);
+
+    EPrefsLog::StoreSettings(missing, true, ELog::LevelMessage);
+    EXPECT_FALSE(EPrefsLog::HasErrorTxt());
+    ELog::Warning("written", "Failing");
+    EXPECT_NE(ScratchDirectory::ReadAll(missing).find("       written\n"), std::string::npos);
+}
+
+TEST_F(LogTest, EntriesFromSeveralThreadsStayWhole) {
+    constexpr int threadCount = 4;
+    constexpr int entryCount = 50;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t)
+        threads.emplace_back([t] {
+            for (int i = 0; i < entryCount; ++i)
+                ELog::Notice(qvrFormat("thread %d\nentry %d", t, i), qvrFormat("Worker %d", t));
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    std::string text = logText();
+    for (int t = 0; t < threadCount; ++t)
+        for (int i = 0; i < entryCount; ++i)
+            EXPECT_NE(text.find(qvrFormat("    Notice:\n       thread %d\n       entry %d\n", t, i)),
+                      std::string::npos)
+                << t << "/" << i;
+    EXPECT_TRUE(traces.empty());
+}
