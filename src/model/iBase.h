@@ -81,9 +81,9 @@ template <class T> class iReference : public iNotifier {
 public:
     iReference() = default;
     explicit iReference(T* target) : iNotifier(target) {}
-    iReference(const iReference& other) : iNotifier(other.Get()) {}
+    iReference(const iReference& other) : iNotifier(other.GetTarget()) {}
     iReference& operator=(const iReference& other) {
-        Set(other.Get());
+        if (other.GetTarget() != GetTarget()) SetTarget(other.GetTarget());
         return *this;
     }
 
