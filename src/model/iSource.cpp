@@ -1,0 +1,3 @@
+#include "model/iSource.h"
+
+iFactoryProducerType iSource::ClassType("Loader");
