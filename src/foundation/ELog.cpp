@@ -1,5 +1,6 @@
 #include "foundation/ELog.h"
 
+#include "foundation/EEnvironment.h"
 #include "foundation/EPrefsLog.h"
 #include "foundation/qvrCException.h"
 #include "foundation/qvrCTextFile.h"
@@ -50,9 +51,11 @@ const char* ELog::VersionText() {
 std::string ELog::GetLogPath(bool& append) {
     std::filesystem::path file = EPrefsLog::GetLogFile(append);
     if (file.is_absolute()) return file.string();
+    const std::string& programDir = EEnvironment::Get().CurrentDir;
+    if (!programDir.empty()) return EEnvironment::PathPlusFile(programDir, file.string());
+    // Before start-up has found the program directory, the working directory stands in.
     std::error_code error;
-    std::filesystem::path directory = std::filesystem::current_path(error);
-    return (directory / file).string();
+    return (std::filesystem::current_path(error) / file).string();
 }
 
 void ELog::GlobalOpen() {

@@ -1,8 +1,9 @@
 #include "foundation/ELog.h"
+#include "foundation/EEnvironment.h"
 #include "foundation/EPrefsLog.h"
 #include "foundation/ScratchDirectory.h"
+#include "foundation/TraceCapture.h"
 #include "foundation/qvrString.h"
-#include "foundation/qvrTrace.h"
 
 #include <gtest/gtest.h>
 
@@ -15,14 +16,8 @@ const std::string Rule = "------------------------------------------------------
 
 class LogTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        EPrefsLog::StoreSettings(logFile(), false, ELog::LevelMessage);
-        qvrSetTraceSink([this](const std::string& line) { traces.push_back(line); });
-    }
-    void TearDown() override {
-        qvrSetTraceSink({});
-        EPrefsLog::Get().Reset();
-    }
+    void SetUp() override { EPrefsLog::StoreSettings(logFile(), false, ELog::LevelMessage); }
+    void TearDown() override { EPrefsLog::Get().Reset(); }
     std::string logFile() const { return dir.File("test.log"); }
     std::string logText() const { return ScratchDirectory::ReadAll(logFile()); }
     // What follows the banner.
@@ -34,7 +29,7 @@ protected:
     }
 
     ScratchDirectory dir{"log"};
-    std::vector<std::string> traces;
+    TraceCapture trace;
 };
 
 } // namespace
@@ -91,10 +86,11 @@ TEST_F(LogTest, AFailedWriteSilencesTheLogUntilTheSettingsAreStoredAgain) {
     const std::string missing = dir.File("missing/test.log");
     EPrefsLog::StoreSettings(missing, true, ELog::LevelMessage);
     ELog::Warning("lost", "Failing");
-    ASSERT_EQ(traces.size(), 1u);
-    EXPECT_EQ(traces[0].rfind(qvrFormat("*** WARNING[ELog::writeRaw()]: Failed to save log text to \"%s\": ",
-                                        missing.c_str()),
-                              0),
+    std::vector<std::string> lines = trace.Get();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].rfind(qvrFormat("*** WARNING[ELog::writeRaw()]: Failed to save log text to \"%s\": ",
+                                       missing.c_str()),
+                             0),
               0u);
     EXPECT_TRUE(EPrefsLog::HasErrorTxt());
     EXPECT_FALSE(EPrefsLog::GetLastError().empty());
@@ -102,7 +98,7 @@ TEST_F(LogTest, AFailedWriteSilencesTheLogUntilTheSettingsAreStoredAgain) {
     std::filesystem::create_directories(dir.Path / "missing");
     ELog::Warning("also lost", "Failing");
     EXPECT_FALSE(std::filesystem::exists(missing));
-    EXPECT_EQ(traces.size(), 1u);
+    EXPECT_EQ(trace.Get().size(), 1u);
 
     EPrefsLog::StoreSettings(missing, true, ELog::LevelMessage);
     EXPECT_FALSE(EPrefsLog::HasErrorTxt());
@@ -127,5 +123,15 @@ TEST_F(LogTest, EntriesFromSeveralThreadsStayWhole) {
             EXPECT_NE(text.find(qvrFormat("    Notice:\n       thread %d\n       entry %d\n", t, i)),
                       std::string::npos)
                 << t << "/" << i;
-    EXPECT_TRUE(traces.empty());
+    EXPECT_TRUE(trace.Get().empty());
+}
+
+TEST_F(LogTest, ARelativeFileNameLivesInTheProgramDirectory) {
+    std::string saved = EEnvironment::Get().CurrentDir;
+    EEnvironment::Get().CurrentDir = dir.Path.string();
+    EPrefsLog::StoreSettings("relative.log", true, ELog::LevelMessage);
+    ELog::Message("beside the program", "Places");
+    EEnvironment::Get().CurrentDir = saved;
+    EXPECT_NE(ScratchDirectory::ReadAll(dir.File("relative.log")).find("beside the program"),
+              std::string::npos);
 }

@@ -1,11 +1,11 @@
 #include "foundation/EPrefsEImage.h"
-#include "foundation/qvrTrace.h"
+#include "foundation/SectionLockHolder.h"
+#include "foundation/TraceCapture.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <future>
-#include <thread>
 
 namespace {
 
@@ -60,32 +60,20 @@ TEST_F(ImagingPrefsTest, AValueThatFailsToParseKeepsTheDefaultAndIsReported) {
 TEST_F(ImagingPrefsTest, ALockedSectionGivesDefaultsAndTellsTheDebugChannel) {
     EPrefsEImage::SetMemoryControl(false, 100, false);
     EPrefsEImage::SetCaching(false, false);
-    std::mutex linesGuard;
-    std::vector<std::string> lines;
-    qvrSetTraceSink([&](const std::string& line) {
-        std::lock_guard lock(linesGuard);
-        lines.push_back(line);
-    });
-    std::promise<void> locked;
-    std::promise<void> release;
-    std::thread holder([&] {
-        EPrefsSection::Lock lock = EPrefsEImage::Get().TryLock();
-        locked.set_value();
-        release.get_future().wait();
-    });
-    locked.get_future().wait();
-    auto memory = std::async(std::launch::async, [] {
-        uint32_t reserve = 0;
-        bool physicalOnly = false;
-        bool on = EPrefsEImage::cacheOn(reserve, physicalOnly);
-        return on && physicalOnly && reserve == 4;
-    });
-    auto disk = std::async(std::launch::async, [] { return EPrefsEImage::cacheVirtual(); });
-    EXPECT_TRUE(memory.get());
-    EXPECT_TRUE(disk.get());
-    release.set_value();
-    holder.join();
-    qvrSetTraceSink({});
+    TraceCapture trace;
+    {
+        SectionLockHolder holder(EPrefsEImage::Get());
+        auto memory = std::async(std::launch::async, [] {
+            uint32_t reserve = 0;
+            bool physicalOnly = false;
+            bool on = EPrefsEImage::cacheOn(reserve, physicalOnly);
+            return on && physicalOnly && reserve == 4;
+        });
+        auto disk = std::async(std::launch::async, [] { return EPrefsEImage::cacheVirtual(); });
+        EXPECT_TRUE(memory.get());
+        EXPECT_TRUE(disk.get());
+    }
+    std::vector<std::string> lines = trace.Get();
     std::sort(lines.begin(), lines.end());
     EXPECT_EQ(lines, (std::vector<std::string>{
                          "*** WARNING[EPrefsEImage::cacheOn()]: Locked; returning default directory.\n",

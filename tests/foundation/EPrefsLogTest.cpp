@@ -1,11 +1,11 @@
 #include "foundation/EPrefsLog.h"
-#include "foundation/qvrTrace.h"
+#include "foundation/SectionLockHolder.h"
+#include "foundation/TraceCapture.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <future>
-#include <thread>
 
 namespace {
 
@@ -53,38 +53,24 @@ TEST_F(LogPrefsTest, SettingsSurviveSaveAndLoad) {
 TEST_F(LogPrefsTest, ALockedSectionGivesDefaultsAndTellsTheDebugChannel) {
     EPrefsLog::StoreSettings("/var/tmp/other.log", false, 3);
     EPrefsLog::SetLastError("disk full");
-    std::mutex linesGuard;
-    std::vector<std::string> lines;
-    qvrSetTraceSink([&](const std::string& line) {
-        std::lock_guard lock(linesGuard);
-        lines.push_back(line);
-    });
-
-    std::promise<void> locked;
-    std::promise<void> release;
-    std::thread holder([&] {
-        EPrefsSection::Lock lock = EPrefsLog::Get().TryLock();
-        locked.set_value();
-        release.get_future().wait();
-    });
-    locked.get_future().wait();
-    auto file = std::async(std::launch::async, [] {
-        bool append = false;
-        std::string name = EPrefsLog::GetLogFile(append);
-        return append ? name : std::string();
-    });
-    auto level = std::async(std::launch::async, [] { return EPrefsLog::GetLogLevel(); });
-    auto hasError = std::async(std::launch::async, [] { return EPrefsLog::HasErrorTxt(); });
-    auto setError = std::async(std::launch::async, [] { EPrefsLog::SetLastError("ignored"); });
-    EXPECT_EQ(file.get(), "qvrTessarine.log");
-    EXPECT_EQ(level.get(), 1);
-    EXPECT_FALSE(hasError.get());
-    setError.get();
-    release.set_value();
-    holder.join();
-    qvrSetTraceSink({});
-
+    TraceCapture trace;
+    {
+        SectionLockHolder holder(EPrefsLog::Get());
+        auto file = std::async(std::launch::async, [] {
+            bool append = false;
+            std::string name = EPrefsLog::GetLogFile(append);
+            return append ? name : std::string();
+        });
+        auto level = std::async(std::launch::async, [] { return EPrefsLog::GetLogLevel(); });
+        auto hasError = std::async(std::launch::async, [] { return EPrefsLog::HasErrorTxt(); });
+        auto setError = std::async(std::launch::async, [] { EPrefsLog::SetLastError("ignored"); });
+        EXPECT_EQ(file.get(), "qvrTessarine.log");
+        EXPECT_EQ(level.get(), 1);
+        EXPECT_FALSE(hasError.get());
+        setError.get();
+    }
     EXPECT_EQ(EPrefsLog::GetLastError(), "disk full");
+    std::vector<std::string> lines = trace.Get();
     std::sort(lines.begin(), lines.end());
     EXPECT_EQ(lines, (std::vector<std::string>{
                          "*** WARNING[EPrefsLog::GetLogFile()]: Resource locked - returning defaults.\n",
