@@ -7,7 +7,7 @@ iNotifier::~iNotifier() {
 }
 
 void iNotifier::SetTarget(iBase* target) {
-    if (Target) Target->Notifiers.Detach(*this);
+    if (iBase* former = Target.load()) former->Notifiers.Detach(*this);
     if (target) target->Notifiers.Attach(*this);
 }
 
@@ -30,8 +30,15 @@ void iNotifierList::Attach(iNotifier& notifier) {
 }
 
 void iNotifierList::Detach(iNotifier& notifier) {
-    std::lock_guard lock(Guard);
+    std::unique_lock lock(Guard);
+    CallEnded.wait(lock, [&] { return !isCalledElsewhereLocked(notifier); });
     if (notifier.Target == &Owner) unlinkLocked(notifier);
+}
+
+bool iNotifierList::isCalledElsewhereLocked(const iNotifier& notifier) const {
+    for (const Walk* walk = Walks; walk; walk = walk->Outer)
+        if (walk->Current == &notifier && walk->Thread != std::this_thread::get_id()) return true;
+    return false;
 }
 
 void iNotifierList::unlinkLocked(iNotifier& notifier) {
@@ -46,14 +53,17 @@ void iNotifierList::unlinkLocked(iNotifier& notifier) {
 
 void iNotifierList::Notify(long code, const iEventArgument& argument) {
     std::unique_lock lock(Guard);
-    Walk walk{Head, Walks};
+    Walk walk{nullptr, Head, std::this_thread::get_id(), Walks};
     Walks = &walk;
     while (iNotifier* current = walk.NextNotifier) {
+        walk.Current = current;
         walk.NextNotifier = current->Next;
         lock.unlock();
         const iNotifyAnswer answer = current->OnEvent(code, argument);
         if (answer == iNotifyAnswer::Delete) delete current;
         lock.lock();
+        walk.Current = nullptr;
+        CallEnded.notify_all();
     }
     // Walks end in the reverse order of their start on one thread; other
     // threads' walks may lie anywhere in the chain.

@@ -10,9 +10,12 @@
 // detach or delete notifiers, its own included, and may notify again. The name
 // belongs to the main thread; other threads may read it while it doesn't change.
 
+#include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <string>
+#include <thread>
 
 class iBase;
 class iElementFrameStore;
@@ -58,7 +61,7 @@ public:
 
     // Leaves the present target and subscribes to the new one, at the tail of its list; null only leaves.
     void SetTarget(iBase* target);
-    iBase* GetTarget() const { return Target; }
+    iBase* GetTarget() const { return Target.load(); }
 
 protected:
     // An event of the target, from the thread that sent it.
@@ -70,7 +73,7 @@ private:
     friend class iNotifierList;
     friend class iBase;
 
-    iBase* Target = nullptr;
+    std::atomic<iBase*> Target{nullptr};
     iNotifier* Prev = nullptr;
     iNotifier* Next = nullptr;
 };
@@ -108,16 +111,21 @@ public:
     long GetCount() const;
 
 private:
-    // One walk of Notify; a detach that removes the walk's next notifier moves it on.
+    // One walk of Notify. A detach that removes the walk's next notifier moves
+    // it on; one from another thread waits while the walk calls that notifier.
     struct Walk {
+        iNotifier* Current;
         iNotifier* NextNotifier;
+        std::thread::id Thread;
         Walk* Outer;
     };
+    bool isCalledElsewhereLocked(const iNotifier& notifier) const;
     void unlinkLocked(iNotifier& notifier);
     iNotifier* popHead();
 
     iBase& Owner;
     mutable std::mutex Guard;
+    std::condition_variable CallEnded;
     iNotifier* Head = nullptr;
     iNotifier* Tail = nullptr;
     long Count = 0;

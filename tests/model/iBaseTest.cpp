@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -113,4 +116,30 @@ TEST(iBase, SetNameRefusesEmptyAndVetoedNamesAndIgnoresCase) {
     EXPECT_EQ(log, std::vector<long>{iBase::event_modified});
     EXPECT_TRUE(object.SetName("Other", false));
     EXPECT_EQ(log.size(), 1u);
+}
+
+TEST(iBase, NotifierLeavingOnAnotherThreadWaitsForItsRunningHandler) {
+    struct SlowNotifier : iNotifier {
+        using iNotifier::iNotifier;
+        iNotifyAnswer OnEvent(long, const iEventArgument&) override {
+            Entered = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            Finished = true;
+            return iNotifyAnswer::Keep;
+        }
+        std::atomic<bool> Entered{false};
+        std::atomic<bool> Finished{false};
+    };
+    iBase object;
+    auto slow = std::make_unique<SlowNotifier>(&object);
+    SlowNotifier* watched = slow.get();
+    std::thread sender([&] { object.Notify(1); });
+    while (!watched->Entered)
+        std::this_thread::yield();
+    // Leaving must wait until the handler has returned.
+    slow->SetTarget(nullptr);
+    const bool finishedBeforeLeaving = slow->Finished;
+    sender.join();
+    EXPECT_TRUE(finishedBeforeLeaving);
+    EXPECT_EQ(object.GetNotifierCount(), 0);
 }
