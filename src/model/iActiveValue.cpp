@@ -45,7 +45,7 @@ uint32_t nextCurveColour() {
 // The shortest text that reads back as the same double.
 std::string formatDouble(double value) {
     std::array<char, 32> buffer;
-    auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    char* end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
     return std::string(buffer.data(), end);
 }
 
@@ -69,7 +69,7 @@ iActiveValue::iActiveValue(std::string name, double initialValue, bool constantW
 }
 
 iActiveValue::~iActiveValue() {
-    if (Owner) Unlink();
+    Unlink();
 }
 
 void iActiveValue::Link(iActiveValueOwner* owner) {
