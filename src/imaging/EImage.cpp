@@ -3,8 +3,6 @@
 #include "imaging/EImageCache.h"
 #include "imaging/EImageData.h"
 
-#include <chrono>
-
 EImage::EImage(unsigned cacheFlags) : flags(cacheFlags) {}
 
 EImage::~EImage() {
@@ -18,7 +16,7 @@ bool EImage::Clear() {
     return true;
 }
 
-EImageLock::EImageLock(EImage& holder) : image(&holder) {}
+EImageLock::EImageLock(EImage& holder) : section(holder.lock), image(&holder) {}
 
 EImageLock::~EImageLock() {
     Unlock(true);
@@ -26,13 +24,10 @@ EImageLock::~EImageLock() {
 
 bool EImageLock::Lock(long timeout) {
     if (nesting == 0) {
-        if (timeout < 0)
-            image->lock.lock();
-        else if (!image->lock.try_lock_for(std::chrono::milliseconds(timeout)))
-            return false;
+        if (!section.Lock(timeout < 0 ? qvrInfinite : static_cast<unsigned long>(timeout))) return false;
         EImageCache* cache = EImageCache::Get();
         if (cache && !cache->Restore(*image)) {
-            image->lock.unlock();
+            section.Unlock();
             return false;
         }
     }
@@ -45,7 +40,7 @@ void EImageLock::Unlock(bool force) {
     --nesting;
     if (nesting > 0 && !force) return;
     if (EImageCache* cache = EImageCache::Get()) cache->Release(*image);
-    image->lock.unlock();
+    section.Unlock();
     nesting = 0;
 }
 

@@ -10,10 +10,10 @@
 // belongs to one thread; its nesting count is its own, so two lock objects on
 // one holder in one thread each take the section.
 
+#include "foundation/qvrCSyncObjects.h"
 #include "foundation/qvrGeometry.h"
 
 #include <memory>
-#include <mutex>
 
 class EImageData;
 
@@ -41,7 +41,7 @@ private:
     friend class EImageLock;
     friend class EImageCache;
 
-    std::recursive_timed_mutex lock;
+    qvrCCriticalSection lock;
     std::unique_ptr<EImageData> data;
     CSize size;
     const unsigned flags;
@@ -73,6 +73,7 @@ public:
     std::unique_ptr<EImageData> SetData(std::unique_ptr<EImageData> picture);
 
 private:
+    qvrCSingleLock section;
     EImage* image;
     long nesting = 0;
 };
