@@ -1,34 +1,53 @@
 #include "QvrCommandLine.h"
 
+#include "QvrCommand.h"
+
 #include <cstdio>
 #include <string>
 
 namespace {
 
-constexpr const char* UsageText = "usage: qvr [--version] [--help] COMMAND [ARGS]\n"
-                                  "\n"
-                                  "The headless face of qvrTessarine.\n"
-                                  "\n"
-                                  "options:\n"
-                                  "  --version   print the program's name and version\n"
-                                  "  --help      print this text\n";
+void printOverview(std::FILE* out) {
+    std::fputs("usage: qvr [--version] [--help] COMMAND [ARGS]\n\n"
+               "The headless face of qvrTessarine.\n\ncommands:\n",
+               out);
+    for (const QvrCommand* command : QvrCommand::All())
+        std::fprintf(out, "  %-10s %s\n", command->Name, command->Summary);
+    std::fputs("\nRun 'qvr COMMAND --help' for a command's options.\n", out);
+}
+
+bool asksForHelp(const QvrCommand::Arguments& arguments) {
+    for (const std::string& argument : arguments)
+        if (argument == "--help" || argument == "-h") return true;
+    return false;
+}
 
 } // namespace
 
 int QvrCommandLine::Run(int argc, char** argv) {
     if (argc < 2) {
-        std::fputs(UsageText, stderr);
-        return 2;
+        printOverview(stderr);
+        return ExitUsage;
     }
-    std::string command = argv[1];
-    if (command == "--version") {
+    std::string name = argv[1];
+    if (name == "--version") {
         std::printf("qvrTessarine %s\n", QVR_VERSION_TEXT);
-        return 0;
+        return ExitSuccess;
     }
-    if (command == "--help" || command == "-h") {
-        std::fputs(UsageText, stdout);
-        return 0;
+    if (name == "--help" || name == "-h" || name == "help") {
+        printOverview(stdout);
+        return ExitSuccess;
     }
-    std::fprintf(stderr, "qvr: unknown command \"%s\"\n\n%s", command.c_str(), UsageText);
-    return 2;
+    const QvrCommand* command = QvrCommand::Find(name);
+    if (!command) {
+        std::fprintf(stderr, "qvr: unknown command \"%s\"\n\n", name.c_str());
+        printOverview(stderr);
+        return ExitUsage;
+    }
+    QvrCommand::Arguments arguments(argv + 2, argv + argc);
+    if (asksForHelp(arguments)) {
+        std::fputs(command->Help, stdout);
+        return ExitSuccess;
+    }
+    return command->Run(arguments);
 }

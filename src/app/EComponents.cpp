@@ -3,8 +3,11 @@
 // reverse of the start order within each list.
 
 #include "app/EInitializer.h"
+#include "foundation/EEnvironment.h"
 #include "foundation/ELog.h"
 #include "foundation/iDataBaseSection.h"
+#include "foundation/qvrCRegKey.h"
+#include "model/iFactory.h"
 
 #include <functional>
 
@@ -64,7 +67,12 @@ EComponent messageBoxes(MessageBoxes, GlobalData);
 
 // Components without a dependency, started in the order 1 to 12.
 EComponent localization(Localization, 0, {}, {}, [] { return static_cast<unsigned>(EStringTable::Count()); });
-EComponent environment(Environment, 0);
+// The registry store lives in the program directory, so it opens once that is known.
+EComponent environment(Environment, 0, [] {
+    if (!EEnvironment::Get().Gather()) return false;
+    qvrCRegKey::OpenStore(EEnvironment::Get().CurrentDir);
+    return true;
+});
 EComponent globalData(GlobalData, 0);
 EComponent interfaceImages(InterfaceImages, 0);
 EComponent programDatabase(ProgramDatabase, 0, [] {
@@ -72,7 +80,13 @@ EComponent programDatabase(ProgramDatabase, 0, [] {
     return true;
 });
 EComponent componentData(ComponentData, 0);
-EComponent componentLibrary(ComponentLibrary, 0);
+EComponent componentLibrary(
+    ComponentLibrary, 0,
+    [] {
+        iFactoryProducerType::GlobalInit();
+        return true;
+    },
+    [] { iFactoryProducerType::GlobalRem(); });
 EComponent matrixEffects(MatrixEffects, 0, {}, {}, [] { return 0u; });
 EComponent oleDataFormats(OleDataFormats, 0);
 EComponent vitreaCalibrationFilter(VitreaSaver, 0);

@@ -7,12 +7,11 @@
 // run on the main thread.
 
 #include "foundation/hReport.h"
+#include "foundation/iDataBaseSection.h"
 #include "foundation/qvrCTreeData.h"
 
 #include <cstdint>
 #include <string>
-
-class iDataBaseSection;
 
 enum iDataBaseFlags : uint32_t {
     DBFlagProgress = 1, // show progress (only without an outer report)
