@@ -49,6 +49,18 @@ void stretchFiltered(benchmark::State& state, CSize from, CSize to) {
     }
 }
 
+// The plain loop that defines the filter, for comparison.
+void StretchFilteredReferenceFullHDToPal(benchmark::State& state) {
+    auto source = makeFootage(FullHD);
+    auto target = EImageData::New(Pal, EImageMemory::NoFreeing);
+    for (auto _ : state) {
+        target->StretchFilteredReference(*source, {0, 0, FullHD.cx, FullHD.cy}, {0, 0, Pal.cx, Pal.cy},
+                                         EImageBlend::Copy);
+        benchmark::DoNotOptimize(target->GetBits());
+    }
+}
+BENCHMARK(StretchFilteredReferenceFullHDToPal)->Unit(benchmark::kMillisecond);
+
 void StretchFilteredFullHDToPal(benchmark::State& state) {
     stretchFiltered(state, FullHD, Pal);
 }
@@ -69,6 +81,22 @@ void CopyRectBlendFullHD(benchmark::State& state) {
     }
 }
 BENCHMARK(CopyRectBlendFullHD)->Unit(benchmark::kMillisecond);
+
+// BlendPixel one pixel at a time, the reference of the row blend, for comparison.
+void BlendPixelLoopFullHD(benchmark::State& state) {
+    auto source = makeFootage(FullHD);
+    auto target = makeFlat(FullHD);
+    for (auto _ : state) {
+        for (long y = 0; y < FullHD.cy; ++y) {
+            std::uint32_t* row = target->GetRow(y);
+            const std::uint32_t* sourceRow = source->GetRow(y);
+            for (long x = 0; x < FullHD.cx; ++x)
+                row[x] = BlendPixel(row[x], sourceRow[x], 200);
+        }
+        benchmark::DoNotOptimize(target->GetBits());
+    }
+}
+BENCHMARK(BlendPixelLoopFullHD)->Unit(benchmark::kMillisecond);
 
 std::string benchFile() {
     return (std::filesystem::temp_directory_path() / "qvr_imaging_bench.qts").string();
