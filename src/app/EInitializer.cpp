@@ -52,6 +52,10 @@ EInitializer* EInitializerList::findStarted(EStringId nameId) const {
     return nullptr;
 }
 
+void EInitializerList::requeue(EInitializer* component) {
+    push(component->DependencyId ? WithDependency : NoDependency, component);
+}
+
 bool EInitializerList::start(EInitializer* component, EInitializerStatus& status) {
     std::string text = EStringTable::Load(component->NameId);
     status.SetStatus(text, component->GetStepCount());
@@ -59,6 +63,7 @@ bool EInitializerList::start(EInitializer* component, EInitializerStatus& status
         qvrTraceText(qvrFormatMessage(
             "*** ERROR[EInitializer::DoInitInstance()]: Component \"%1\" failed to initialize - exiting !\n",
             {text}));
+        requeue(component);
         return false;
     }
     push(Started, component);
@@ -90,13 +95,18 @@ bool EInitializerList::initFirstDependecy(EInitializerStatus& status) {
             return false;
         }
         qvrTrace(" : Dependency not initialized yet; continuing with dependency.\n");
-        while (WithDependency)
-            if (!initFirstDependecy(status)) return false;
+        while (WithDependency) {
+            if (!initFirstDependecy(status)) {
+                requeue(component);
+                return false;
+            }
+        }
         if (!findStarted(component->DependencyId)) {
             qvrTrace("*** ERROR[EInitializer::initFirstDependecy()]: %s: Cannot resolve dependency %s (code "
                      "%ld) - "
                      "doesn't seem to exist at all !!!!!\n",
                      text.c_str(), dependencyText.c_str(), static_cast<long>(component->DependencyId));
+            requeue(component);
             return false;
         }
         qvrTrace(" : %s: Dependency okay.\n", text.c_str());
@@ -112,6 +122,7 @@ void EInitializerList::DoExitInstance(EInitializerStatus& status) {
         qvrTrace(" > %s\n", text.c_str());
         status.SetStatus(text, component->GetStepCount());
         component->OnExit(status);
+        requeue(component);
     }
     qvrTrace(" Components removed.\n\n");
 }

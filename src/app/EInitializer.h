@@ -1,6 +1,7 @@
 #pragma once
 // The program's components: each is a static object that starts one subsystem
-// in dependency order and ends it in exactly the reverse order. A component is
+// in dependency order and ends it in exactly the reverse order. An ended
+// component waits to be started again. A component is
 // identified by the string id of its status text; it may depend on one other
 // component by that id. Start and end run on the main thread.
 
@@ -33,6 +34,9 @@ public:
 
 private:
     bool start(EInitializer* component, EInitializerStatus& status);
+    // Puts a component back on its waiting list, so that the program can be
+    // started again in the same process (ending restores the original order).
+    void requeue(EInitializer* component);
     EInitializer* findStarted(EStringId nameId) const;
 
     EInitializer* NoDependency = nullptr;
