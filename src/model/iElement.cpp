@@ -310,6 +310,7 @@ bool iElement::doRender(EImage&, iRenderResult&, iRenderRequest&) {
 // ---------------------------------------------------------------- links
 
 int iElement::LinkParent(iElement* parent) {
+    if (!parent) return link_refused;
     const int max = GetMaxParents();
     if (parent == this) {
         qvrTrace("*** WARNING[iElement::LinkParent()]: Tried to link myself !\n");
@@ -338,6 +339,7 @@ int iElement::LinkParent(iElement* parent) {
 }
 
 int iElement::CheckLinkParent(iElement* parent) const {
+    if (!parent) return link_refused;
     if (parent == this) {
         qvrTrace(
             "*** WARNING[iElement::CheckLinkParent()]: Check whether object might be parent of itself !\n");

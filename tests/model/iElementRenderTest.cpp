@@ -96,13 +96,6 @@ TEST(iElementRender, CopiedRequestAsksTheOriginalAboutAborts) {
     EXPECT_TRUE(copyOfCopy.IsAborted());
 }
 
-TEST(iElementRender, SizeQueryRemembersTheLastSize) {
-    TestNode node("Node");
-    iImageSizeResult result;
-    EXPECT_TRUE(node.QueryImageSize(result, 3));
-    EXPECT_EQ(node.GetLastImageSize(), (EImageSize{8, 6}));
-}
-
 TEST(iElementRender, ErrorReferenceClearsWhenTheElementGoes) {
     iRenderResult result;
     {

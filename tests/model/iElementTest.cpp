@@ -117,13 +117,6 @@ TEST_F(Chain, ReorderingWithoutNoticeStillReportsTheFinalUnlink) {
     EXPECT_TRUE(events.Saw(iElement::event_parent_unlinked));
 }
 
-TEST_F(Chain, AncestryIsRecursiveAndIncludesTheElementItself) {
-    EXPECT_TRUE(a.IsParentOf(&c));
-    EXPECT_TRUE(c.IsChildOf(&a));
-    EXPECT_TRUE(b.IsParentOf(&b));
-    EXPECT_FALSE(c.IsParentOf(&a));
-}
-
 TEST_F(Chain, ChangesTravelDownToEveryChildWithTheirStamp) {
     EventLog events(&c);
     const EFrameRange stamp{10, 5};
