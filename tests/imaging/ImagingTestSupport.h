@@ -1,25 +1,21 @@
 #pragma once
 // Helpers shared by the imaging tests: small pictures made inline, scratch
-// files and their bytes.
+// files, captured debug lines and a cache that pages into its own memory.
 
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageCache.h"
 #include "imaging/EImageData.h"
 
-#include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace qvrTest {
 
-// Collects debug lines while it lives.
 struct TraceCapture {
     TraceCapture() {
         qvrSetTraceSink([this](const std::string& line) { lines.push_back(line); });
@@ -33,18 +29,16 @@ inline std::unique_ptr<EImageData> MakePicture(long width, long height,
                                                const std::vector<std::uint32_t>& pixels) {
     auto picture = EImageData::New({width, height}, EImageMemory::NoFreeing);
     for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x)
-            picture->GetRow(y)[x] = pixels[static_cast<size_t>(y * width + x)];
+        std::copy_n(pixels.begin() + y * width, width, picture->GetRow(y));
     return picture;
 }
 
-// A picture in which every pixel differs: handy to see which pixel went where.
-inline std::unique_ptr<EImageData> MakeNumbered(long width, long height) {
-    auto picture = EImageData::New({width, height}, EImageMemory::NoFreeing);
-    for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x)
-            picture->GetRow(y)[x] = 0xFF000000u | static_cast<std::uint32_t>(y << 12 | x);
-    return picture;
+// A picture of pseudo-random words, alpha included.
+inline std::unique_ptr<EImageData> MakeNoise(long width, long height, std::uint32_t seed) {
+    std::vector<std::uint32_t> pixels(static_cast<size_t>(width * height));
+    for (std::uint32_t& pixel : pixels)
+        pixel = seed = seed * 1664525u + 1013904223u;
+    return MakePicture(width, height, pixels);
 }
 
 inline std::vector<std::uint32_t> PixelsOf(const EImageData& picture) {
@@ -54,11 +48,9 @@ inline std::vector<std::uint32_t> PixelsOf(const EImageData& picture) {
     return pixels;
 }
 
-// A file name in the tests' scratch directory.
+// A file name in the tests' scratch directory ($QVR_HOME).
 inline std::string ScratchFile(const std::string& name) {
-    const char* home = std::getenv("QVR_HOME");
-    std::filesystem::path dir = home && *home ? std::filesystem::path(home)
-                                              : std::filesystem::temp_directory_path() / "qvr_imaging_tests";
+    std::filesystem::path dir = std::getenv("QVR_HOME") ? std::getenv("QVR_HOME") : "/tmp/qvr_imaging_tests";
     std::filesystem::create_directories(dir);
     return (dir / name).string();
 }
@@ -68,16 +60,16 @@ inline std::vector<std::uint8_t> ReadBytes(const std::string& path) {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-// Writes a new file; the old one is removed first, since rewriting a truncated
-// file makes some file systems wait for the disk.
+// Writes a new file; the old one goes first, as rewriting a truncated file
+// makes some file systems wait for the disk.
 inline void WriteBytes(const std::string& path, const std::vector<std::uint8_t>& bytes) {
     std::filesystem::remove(path);
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
-// A cache that pages released holders out to its own memory when asked to
-// free memory, and records every call. Installed for its lifetime.
+// Pages released holders out to its own memory when asked to free memory and
+// counts the calls. Installed for its lifetime.
 class FakeImageCache : public EImageCache {
 public:
     FakeImageCache() { Install(this); }
@@ -85,39 +77,30 @@ public:
 
     bool FreeMemory(long bytes) override {
         freeRequests.push_back(bytes);
-        bool freed = false;
+        bool freed = answerFreed;
         for (auto& [holder, pagedOut] : released) {
             if (!pagedOut) pagedOut = TakeData(*holder);
-            freed = freed || pagedOut != nullptr;
+            freed = freed || pagedOut;
         }
-        return freed || answerFreed;
+        return freed;
     }
     bool Restore(EImage& holder) override {
         ++restores;
         if (failRestore) return false;
-        auto entry = released.find(&holder);
-        if (entry == released.end()) return true;
-        if (entry->second) PutData(holder, std::move(entry->second));
-        released.erase(entry);
+        if (auto entry = released.find(&holder); entry != released.end()) {
+            if (entry->second) PutData(holder, std::move(entry->second));
+            released.erase(entry);
+        }
         return true;
     }
-    void Release(EImage& holder) override {
-        ++releases;
-        released.emplace(&holder, nullptr);
-    }
-    void Forget(EImage& holder) override {
-        ++forgets;
-        released.erase(&holder);
-    }
+    void Release(EImage& holder) override { released.emplace(&holder, nullptr); }
+    void Forget(EImage& holder) override { released.erase(&holder); }
 
     bool answerFreed = false;
     bool failRestore = false;
     std::vector<long> freeRequests;
     int restores = 0;
-    int releases = 0;
-    int forgets = 0;
-    // Released holders with what was paged out of them.
-    std::map<EImage*, std::unique_ptr<EImageData>> released;
+    std::map<EImage*, std::unique_ptr<EImageData>> released; // with what was paged out of them
 };
 
 } // namespace qvrTest
