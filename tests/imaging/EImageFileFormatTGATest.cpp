@@ -112,17 +112,18 @@ TEST(TgaFormat, EverySupportedTypeAndRowOrderGivesThePicture) {
     std::vector<std::uint32_t> grey;
     for (std::uint32_t word : Picture)
         grey.push_back(0xFF000000u | (word & 0xFF) * 0x010101u);
-    for (int type : {1, 2, 3, 9, 10, 11})
-        for (int depth : {24, 32})
-            for (bool topDown : {false, true}) {
-                const TgaLayout layout{static_cast<std::uint8_t>(type),
-                                       static_cast<std::uint8_t>((type & 7) == 2 ? depth : 8), topDown};
-                EImageFileResult result;
-                const auto picture = loadTga(encodeTga(layout, Picture), result);
-                ASSERT_NE(picture, nullptr) << type << ": " << result.text;
-                EXPECT_EQ(PixelsOf(*picture), (type & 7) == 3 ? grey : Picture)
-                    << "type " << type << " depth " << int{layout.depth} << " top-down " << topDown;
-            }
+    for (const auto& [type, depth] :
+         {std::pair{1, 8}, {9, 8}, {2, 24}, {2, 32}, {10, 24}, {10, 32}, {3, 8}, {11, 8}})
+        for (bool topDown : {false, true}) {
+            EImageFileResult result;
+            const auto picture = loadTga(
+                encodeTga({static_cast<std::uint8_t>(type), static_cast<std::uint8_t>(depth), topDown},
+                          Picture),
+                result);
+            ASSERT_NE(picture, nullptr) << type << ": " << result.text;
+            EXPECT_EQ(PixelsOf(*picture), (type & 7) == 3 ? grey : Picture)
+                << "type " << type << " depth " << depth << " top-down " << topDown;
+        }
 }
 
 TEST(TgaFormat, AlphaIsKeptFromFilesOf16And32Bits) {
