@@ -15,7 +15,7 @@ std::unique_ptr<EImageData> CPicDecoder::MakeBmpFromFile(EBinaryFile& file) cons
     std::vector<std::uint8_t> contents(static_cast<size_t>(length));
     file.Seek(0);
     file.Read(contents.data(), contents.size());
-    CDataSource source(file.GetName(), std::move(contents));
+    CDataSource source(std::move(contents));
     return DoDecode(source);
 }
 

@@ -37,10 +37,8 @@ private:
 // The bytes of a whole file with a read cursor.
 class CDataSource {
 public:
-    CDataSource(std::string name, std::vector<std::uint8_t> contents)
-        : fileName(std::move(name)), bytes(std::move(contents)) {}
+    explicit CDataSource(std::vector<std::uint8_t> contents) : bytes(std::move(contents)) {}
 
-    const std::string& GetFileName() const { return fileName; }
     // The next `count` bytes, which stay valid as long as the source; the
     // cursor moves past them. Throws EndOfFile when fewer are left.
     const std::uint8_t* ReadNBytes(size_t count);
@@ -50,7 +48,6 @@ public:
     size_t GetBytesLeft() const { return bytes.size() - position; }
 
 private:
-    std::string fileName;
     std::vector<std::uint8_t> bytes;
     size_t position = 0;
 };

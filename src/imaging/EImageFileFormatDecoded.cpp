@@ -60,6 +60,7 @@ std::unique_ptr<EImageData> EImageFileFormatDecoded::LoadUsingPaintLib(const CPi
     if (!doQueryFileInfo(file, info, result) || !EnoughMemoryFor(file, info.size, result)) return nullptr;
     std::unique_ptr<EImageData> picture = DecodeFreeingMemory(decoder, file, result);
     if (!picture) return nullptr;
+    const bool solidAlpha = !picture->HasAlpha() || IgnoreFileAlpha();
     const CRect part = ClipLoadRect(rect, picture->GetSize());
     if (part.IsRectEmpty())
         picture = EImageData::New({part.Width(), part.Height()}, EImageMemory::MayFree);
@@ -69,7 +70,7 @@ std::unique_ptr<EImageData> EImageFileFormatDecoded::LoadUsingPaintLib(const CPi
         result.Set(EImageFileError::OutOfMemory);
         return nullptr;
     }
-    if (!picture->HasAlpha() || IgnoreFileAlpha()) MakeSolidAlpha(*picture, file.GetName());
+    if (solidAlpha) MakeSolidAlpha(*picture, file.GetName());
     return picture;
 }
 

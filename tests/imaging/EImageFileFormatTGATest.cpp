@@ -141,9 +141,6 @@ TEST(TgaFormat, AlphaIsKeptFromFilesOf16And32Bits) {
     const auto shallow = loadTga(encodeTga({2, 16, true}, packed), result);
     ASSERT_NE(shallow, nullptr);
     EXPECT_EQ(PixelsOf(*shallow), widened);
-    const auto fifteen = loadTga(encodeTga({2, 15, true}, packed), result);
-    ASSERT_NE(fifteen, nullptr);
-    EXPECT_EQ(fifteen->GetRow(0)[0], 0xFFFFFFFFu);
 }
 
 TEST(TgaFormat, RectangleLoadIsThePartOfThePicture) {
@@ -151,6 +148,11 @@ TEST(TgaFormat, RectangleLoadIsThePartOfThePicture) {
     const auto part = loadTga(encodeTga({10, 24, false}, Picture), result, {1, -1, 3, 1});
     ASSERT_NE(part, nullptr);
     EXPECT_EQ(PixelsOf(*part), (std::vector<std::uint32_t>{A, A}));
+    // A part of a picture without alpha gets the solid alpha channel too.
+    const auto fifteen =
+        loadTga(encodeTga({2, 15, true}, std::vector<std::uint32_t>(6, 0x7FFF)), result, {0, 0, 1, 1});
+    ASSERT_NE(fifteen, nullptr);
+    EXPECT_EQ(fifteen->GetRow(0)[0], 0xFFFFFFFFu);
 }
 
 TEST(TgaFormat, BrokenFilesFailWithoutTakingMemory) {
