@@ -298,6 +298,18 @@ bool qvrTreeText::ToLongs(std::string_view text, long* values, size_t count) {
     return true;
 }
 
+bool qvrTreeText::ToDescriptor(std::string_view text, std::string& className, std::string& typeName,
+                               std::string& objectName) {
+    size_t first = text.find('/');
+    if (first == std::string_view::npos) return false;
+    size_t second = text.find('/', first + 1);
+    if (second == std::string_view::npos || second + 1 >= text.size()) return false;
+    className = text.substr(0, first);
+    typeName = text.substr(first + 1, second - first - 1);
+    objectName = text.substr(second + 1);
+    return true;
+}
+
 namespace {
 
 template <typename Parse>
@@ -351,18 +363,10 @@ qvrCTreeData* qvrCTreeData::GetRect(std::string_view name, CRect& value, qvrCTre
     });
 }
 
-qvrCTreeData* qvrCTreeData::GetDescriptor(std::string_view name, std::string& className,
-                                          std::string& typeName, std::string& objectName,
-                                          qvrCTreeData** bad) const {
+qvrCTreeData* qvrCTreeData::GetDescriptor(std::string_view name, std::string& className, std::string& typeName,
+                                          std::string& objectName, qvrCTreeData** bad) const {
     return getTyped(*this, name, bad, [&](const std::string& text) {
-        size_t first = text.find('/');
-        if (first == std::string::npos) return false;
-        size_t second = text.find('/', first + 1);
-        if (second == std::string::npos || second + 1 >= text.size()) return false;
-        className = text.substr(0, first);
-        typeName = text.substr(first + 1, second - first - 1);
-        objectName = text.substr(second + 1);
-        return true;
+        return qvrTreeText::ToDescriptor(text, className, typeName, objectName);
     });
 }
 

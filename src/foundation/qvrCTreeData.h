@@ -123,4 +123,6 @@ namespace qvrTreeText {
 std::string FromBool(bool value);
 bool ToBool(std::string_view text, bool& value);
 bool ToLongs(std::string_view text, long* values, size_t count);
+// "class/type/name": split at the first two slashes; the name must not be empty.
+bool ToDescriptor(std::string_view text, std::string& className, std::string& typeName, std::string& objectName);
 } // namespace qvrTreeText

@@ -112,7 +112,9 @@ std::string_view qvrTrim(std::string_view text) {
     return qvrTrimRight(qvrTrimLeft(text));
 }
 
-bool qvrParseLong(std::string_view text, long& value) {
+namespace {
+// The whole text must be the number, with an optional sign.
+template <typename Number> bool parseWhole(std::string_view text, Number& value) {
     if (text.empty()) return false;
     const char* first = text.data();
     const char* last = first + text.size();
@@ -120,15 +122,11 @@ bool qvrParseLong(std::string_view text, long& value) {
     auto [end, error] = std::from_chars(first, last, value);
     return error == std::errc() && end == last && first != last;
 }
+} // namespace
 
-bool qvrParseDouble(std::string_view text, double& value) {
-    if (text.empty()) return false;
-    const char* first = text.data();
-    const char* last = first + text.size();
-    if (*first == '+') ++first;
-    auto [end, error] = std::from_chars(first, last, value);
-    return error == std::errc() && end == last && first != last;
-}
+bool qvrParseLong(std::string_view text, long& value) { return parseWhole(text, value); }
+
+bool qvrParseDouble(std::string_view text, double& value) { return parseWhole(text, value); }
 
 std::vector<std::string> qvrSplit(std::string_view text, char separator) {
     std::vector<std::string> parts;

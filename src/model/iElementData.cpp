@@ -172,17 +172,6 @@ void loadObject(iElement& element, const qvrCTreeData& block, hReport& report) {
         report.Report("No 'Object' block found", hReportWarning);
 }
 
-bool splitDescriptor(const std::string& text, std::string& className, std::string& type, std::string& name) {
-    size_t first = text.find('/');
-    if (first == std::string::npos) return false;
-    size_t second = text.find('/', first + 1);
-    if (second == std::string::npos || second + 1 >= text.size()) return false;
-    className = text.substr(0, first);
-    type = text.substr(first + 1, second - first - 1);
-    name = text.substr(second + 1);
-    return true;
-}
-
 iElement* produceInto(iProject& project, const std::string& className, const std::string& type,
                       const std::string& name) {
     return project.Adopt(iFactory::Get().Produce(className, type, name));
@@ -256,7 +245,7 @@ iElement* iElementData::GetByDescriptor(const std::string& text, hReport& report
         return nullptr;
     }
     std::string className, type, name;
-    if (!splitDescriptor(text, className, type, name)) {
+    if (!qvrTreeText::ToDescriptor(text, className, type, name)) {
         report.Report(qvrFormatMessage("Bad object descriptor \"%1\"", {text}), hReportError);
         return nullptr;
     }
