@@ -61,8 +61,10 @@ bool qvrCAccessCounter::Alloc(unsigned long timeoutMs, qvrCEvent* abort, bool* a
     }
 }
 
-// Waits until no shared access is held and then tries the guard without
-// waiting; a busy guard sends it back to the wait.
+// Waits until no shared access is held, then for the guard. The guard is
+// only ever held for a moment, but the last user signals the counter while it
+// still holds it: trying the guard without waiting would make a woken Alloc
+// give up. A guard not had within the time-out sends it back to the wait.
 bool qvrCAccessCounter::waitForGuard(qvrCSafeLock& freeForOwner, qvrCSingleLock& guard,
                                      unsigned long timeoutMs, int& innerRounds, bool* aborted) {
     for (;;) {
@@ -71,7 +73,7 @@ bool qvrCAccessCounter::waitForGuard(qvrCSafeLock& freeForOwner, qvrCSingleLock&
             return false;
         }
         freeForOwner.Unlock();
-        if (guard.Lock(0)) return true;
+        if (guard.Lock(timeoutMs)) return true;
         if (++innerRounds > maxAllocRounds) {
             warnAllocGaveUp(2);
             return false;

@@ -38,6 +38,15 @@ bool sleepUntilWoken(qvrCSyncWaiter& waiter, const std::optional<Clock::time_poi
 } // namespace
 
 int qvrWaitForFirst(qvrCSyncObject* const* objects, int count, unsigned long timeoutMs) {
+    auto acquireFirstFree = [objects, count] {
+        for (int i = 0; i < count; ++i) {
+            if (objects[i]->tryAcquire()) return i;
+        }
+        return -1;
+    };
+    // A free object is taken without registering as a waiter.
+    const int free = acquireFirstFree();
+    if (free >= 0 || timeoutMs == 0) return free;
     const auto deadline = deadlineAfter(timeoutMs);
     qvrCSyncWaiter waiter;
     // The objects know the waiter for exactly the length of this wait.
@@ -53,9 +62,8 @@ int qvrWaitForFirst(qvrCSyncObject* const* objects, int count, unsigned long tim
     for (; registration.Count < count; ++registration.Count)
         objects[registration.Count]->addWaiter(&waiter);
     for (;;) {
-        for (int i = 0; i < count; ++i) {
-            if (objects[i]->tryAcquire()) return i;
-        }
+        const int acquired = acquireFirstFree();
+        if (acquired >= 0) return acquired;
         if (!sleepUntilWoken(waiter, deadline)) return -1;
     }
 }

@@ -124,18 +124,20 @@ void qvrCWorkerThread::run(Control& control) {
 bool qvrCWorkerThread::waitAndWork(Control& control) {
     State = ThreadState::WaitingForStart;
     StartedEvent.Set();
-    if (!waitForWork()) return true;
+    waitForWork();
     State = ThreadState::Working;
     if (!runOverride(control, [this] { DoWork(); })) return false;
     State = ThreadState::CleaningUp;
     return true;
 }
 
-// The wait holds nothing once it is over, so that a thread given up in
-// DoWork has nothing left to give back to its owner.
-bool qvrCWorkerThread::waitForWork() {
+// Stop signals the work right after the stop, so a wait that sees the stop
+// first only has to wait for the work to follow: a stopped thread always
+// enters DoWork and finds IsStopping() true there. The wait holds nothing once
+// it is over, so that a thread given up in DoWork has nothing to give back.
+void qvrCWorkerThread::waitForWork() {
     qvrCSafeLock work(&WorkEvent, &StopEvent);
-    return work.Lock();
+    if (!work.Lock()) WorkEvent.Lock();
 }
 
 bool qvrCWorkerThread::Init(qvrCAccessCounter* accessCounter) {

@@ -2,12 +2,13 @@
 // A worker thread with a defined start handshake and a stop that cannot hang.
 // Init starts the thread and returns once its InitThreadData has run; the
 // thread then waits until Start lets it into DoWork, or until it is stopped.
-// The thread raises an optional access counter for its whole life.
+// The thread raises an optional access counter for its whole life; the
+// counter must stay alive until Kill or Destroy has returned.
 //
-// Threads: Init, Start, Stop, Kill and Destroy belong to the owner's thread;
-// IsStopping, IsAlive and GetState may be asked from any thread, and the
-// overrides run in the worker thread (OnInitThread and OnThreadDestroyed in
-// the owner's).
+// Threads: Init, Start, Kill, Destroy and IsAlive belong to the owner's
+// thread; Stop, IsStopping and GetState may be used from any thread. The
+// overrides run in the worker thread, OnInitThread and OnThreadDestroyed in
+// the owner's.
 //
 // A thread cannot be ended by force. One that does not return in time from
 // Kill or Destroy is detached and runs on unseen; from then on the thread
@@ -55,7 +56,7 @@ public:
     // IsStopping() first, and again as often as it can.
     virtual void DoWork() = 0;
     // The last thing the thread does. Destroy calls it again from the owner's
-    // thread after a stop, so it must be safe to run twice.
+    // thread when it had to stop a live thread, so it must be safe to run twice.
     virtual void ExitThreadData() {}
 
     // Starts the thread and waits for its handshake; true when InitThreadData
@@ -89,7 +90,7 @@ private:
     void run(Control& control);
     // False when the thread was given up during DoWork.
     bool waitAndWork(Control& control);
-    bool waitForWork();
+    void waitForWork();
     bool createThread();
     bool waitForStarted();
     bool waitForEnd(unsigned long waitMs);
