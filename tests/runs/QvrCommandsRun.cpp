@@ -1,0 +1,102 @@
+// Whole runs of the qvr program on projects that the test writes first.
+
+#include "foundation/ScratchDirectory.h"
+
+#include "foundation/iDataBase.h"
+#include "imaging/EImageData.h"
+#include "imaging/EImageFileFormat.h"
+#include "model/iProject.h"
+#include "objects/isrcLayer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <sys/wait.h>
+
+namespace {
+
+struct RunResult {
+    int ExitCode = -1;
+    std::string Output;
+};
+
+class QvrRun : public ::testing::Test {
+protected:
+    // Runs qvr with the scratch directory as its program directory; standard
+    // error joins the output.
+    RunResult run(const std::string& arguments) {
+        std::string command =
+            "QVR_HOME='" + home.Path.string() + "' '" QVR_PROGRAM "' " + arguments + " 2>&1";
+        RunResult result;
+        std::FILE* pipe = ::popen(command.c_str(), "r");
+        if (!pipe) return result;
+        char buffer[4096];
+        size_t got;
+        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
+            result.Output.append(buffer, got);
+        int status = ::pclose(pipe);
+        result.ExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return result;
+    }
+
+    // A project with one red half-transparent solid layer of 64x48.
+    std::string writeLayerProject() {
+        iProject& project = iProject::GetStandard();
+        project.Clear();
+        auto* layer = static_cast<isrcLayer*>(project.Adopt(std::make_unique<isrcLayer>("Red")));
+        layer->SetSize({64, 48});
+        layer->GetRedValue().SetSingleKey(0, 255, false);
+        layer->GetGreenValue().SetSingleKey(0, 0, false);
+        layer->GetBlueValue().SetSingleKey(0, 0, false);
+        layer->GetAlphaValue().SetSingleKey(0, 128, false);
+        const std::string path = home.File("layer.tsp");
+        hReportRoot report("Saving");
+        iDataBase database;
+        EXPECT_TRUE(database.Save(path, DBMaskProject, 0, &report));
+        project.Clear();
+        return path;
+    }
+
+    ScratchDirectory home{"run"};
+};
+
+} // namespace
+
+TEST_F(QvrRun, VersionAndHelpNameTheProgram) {
+    RunResult version = run("--version");
+    EXPECT_EQ(version.ExitCode, 0);
+    EXPECT_EQ(version.Output.rfind("qvrTessarine ", 0), 0u);
+    EXPECT_EQ(run("--help").ExitCode, 0);
+    EXPECT_EQ(run("no-such-command").ExitCode, 2);
+}
+
+TEST_F(QvrRun, InfoListsTheElementsOfAProject) {
+    const std::string project = writeLayerProject();
+    RunResult json = run("info '" + project + "' --json");
+    EXPECT_EQ(json.ExitCode, 0) << json.Output;
+    EXPECT_NE(json.Output.find("\"name\":\"Red\",\"class\":\"Loader\",\"type\":\"Solid\""), std::string::npos)
+        << json.Output;
+    EXPECT_NE(json.Output.find("\"Color Alpha\":1"), std::string::npos) << json.Output;
+    EXPECT_EQ(run("info '" + home.File("missing.tsp") + "'").ExitCode, 2);
+}
+
+TEST_F(QvrRun, FrameRendersAPreviewIntoAQuickFile) {
+    const std::string project = writeLayerProject();
+    const std::string output = home.File("red.qts");
+    RunResult frame = run("frame '" + project + "' Red 0 -o '" + output + "' --display 16,12");
+    ASSERT_EQ(frame.ExitCode, 0) << frame.Output;
+    EImageFileResult result;
+    std::unique_ptr<EImageData> picture = EImageFileFormat::Load(output, CRect{0, 0, 16, 12}, result);
+    ASSERT_NE(picture, nullptr) << result.text;
+    EXPECT_EQ(picture->GetSize(), (CSize{16, 12}));
+    EXPECT_EQ(picture->GetRow(5)[7], 0x80FF0000u);
+}
+
+TEST_F(QvrRun, FrameRefusesBadRequests) {
+    const std::string project = writeLayerProject();
+    const std::string output = home.File("x.qts");
+    EXPECT_EQ(run("frame '" + project + "' Nobody 0 -o '" + output + "'").ExitCode, 2);
+    EXPECT_EQ(run("frame '" + project + "' Red zero -o '" + output + "'").ExitCode, 2);
+    EXPECT_EQ(run("frame '" + project + "' Red 0 -o '" + output + "' --rect 1,2").ExitCode, 2);
+    EXPECT_EQ(run("frame '" + project + "' Red 0").ExitCode, 2);
+}
