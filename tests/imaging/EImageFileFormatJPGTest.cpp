@@ -86,17 +86,6 @@ TEST(JpegFormat, ColourAndGreyFilesLoadWithASolidAlphaChannel) {
     EXPECT_TRUE(isNear(grey->GetRow(0)[0], 0xFF000000u | (Quarters[0] & 0xFF) * 0x010101u));
 }
 
-TEST(JpegFormat, RectangleIsCutFromTheWholePicture) {
-    const std::string path = fileOf("part.jpg", EncodeJpeg(32, 32, quarterPixels()));
-    EImageFileResult result;
-    const auto whole = EImageFileFormat::Load(path, {0, 0, 0, 0}, result);
-    const auto part = EImageFileFormat::Load(path, {5, 7, 30, 20}, result);
-    const auto clipped = EImageFileFormat::Load(path, {-4, -4, 99, 99}, result);
-    ASSERT_TRUE(whole && part && clipped);
-    EXPECT_EQ(PixelsOf(*part), PixelsOf(*whole->Extract({5, 7, 30, 20})));
-    EXPECT_EQ(PixelsOf(*clipped), PixelsOf(*whole));
-}
-
 TEST(JpegFormat, HeaderScanTakesTheFirstMarkerOfTheFrameFamilyAndRefusesBrokenChunks) {
     const struct {
         Bytes bytes;
