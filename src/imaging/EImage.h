@@ -12,6 +12,7 @@
 
 #include "foundation/qvrCSyncObjects.h"
 #include "foundation/qvrGeometry.h"
+#include "imaging/EImageCache.h"
 
 #include <memory>
 
@@ -45,6 +46,7 @@ private:
     std::unique_ptr<EImageData> data;
     CSize size;
     const unsigned flags;
+    EImageCacheLinks cacheLinks;
 };
 
 class EImageLock {

@@ -13,8 +13,8 @@ EImageCache* EImageCache::Get() {
     return installedCache.load(std::memory_order_acquire);
 }
 
-void EImageCache::Install(EImageCache* cache) {
-    installedCache.store(cache, std::memory_order_release);
+EImageCache* EImageCache::Install(EImageCache* cache) {
+    return installedCache.exchange(cache, std::memory_order_acq_rel);
 }
 
 std::unique_ptr<EImageData> EImageCache::TakeData(EImage& holder) {
@@ -24,4 +24,12 @@ std::unique_ptr<EImageData> EImageCache::TakeData(EImage& holder) {
 void EImageCache::PutData(EImage& holder, std::unique_ptr<EImageData> picture) {
     if (picture) holder.size = picture->GetSize();
     holder.data = std::move(picture);
+}
+
+const EImageData* EImageCache::PeekData(const EImage& holder) {
+    return holder.data.get();
+}
+
+EImageCacheLinks& EImageCache::LinksOf(EImage& holder) {
+    return holder.cacheLinks;
 }

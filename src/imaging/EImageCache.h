@@ -14,6 +14,16 @@
 class EImage;
 class EImageData;
 
+// What a manager keeps in each holder: the holder's place in its list of
+// holders that may be paged out, and the token of its disk copy (0: none).
+// Only the installed manager touches it, under its own lock.
+struct EImageCacheLinks {
+    EImage* newer = nullptr;
+    EImage* older = nullptr;
+    bool listed = false;
+    unsigned long virtualFile = 0;
+};
+
 class EImageCache {
 public:
     virtual ~EImageCache() = default;
@@ -31,11 +41,15 @@ public:
 
     // The installed manager, or null. The caller keeps ownership.
     static EImageCache* Get();
-    static void Install(EImageCache* cache);
+    // Returns the manager that was installed before.
+    static EImageCache* Install(EImageCache* cache);
 
 protected:
     // Takes the picture out of a holder that is not locked; the holder keeps its size.
     static std::unique_ptr<EImageData> TakeData(EImage& holder);
     // Gives a holder its picture back (from disk, for instance) and takes the picture's size.
     static void PutData(EImage& holder, std::unique_ptr<EImageData> picture);
+    // The holder's picture, left where it is; null when it has none.
+    static const EImageData* PeekData(const EImage& holder);
+    static EImageCacheLinks& LinksOf(EImage& holder);
 };
