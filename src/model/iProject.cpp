@@ -129,6 +129,8 @@ void iProject::EndComplex() {
 
 void iProject::Clear() {
     Notify(event_complex_begin);
+    ActionManager.ClearUndo();
+    ActionManager.ClearRedo();
     while (!Entries.empty())
         DeleteElement(Entries.begin()->second->Element);
     ForgetSelection();

@@ -10,6 +10,7 @@
 #include "foundation/qvrString.h"
 #include "model/iElementContainer.h"
 #include "model/iRenderRequest.h"
+#include "model/qvrCActionManager.h"
 
 #include <map>
 #include <memory>
@@ -74,6 +75,9 @@ public:
     void BeginComplex();
     void EndComplex();
 
+    // The undo history of the project's edits.
+    qvrCActionManager& GetActionManager() { return ActionManager; }
+
     // Deletes every element and group and loads the defaults.
     void Clear();
     void SetDocument(iProjectDocument* document);
@@ -111,6 +115,7 @@ private:
     void loadElements(qvrCTreeData& block, hReport& report);
     void loadGroups(qvrCTreeData& block, hReport& report);
 
+    qvrCActionManager ActionManager;
     std::map<std::string, std::unique_ptr<iProjectEntry>, qvrNoCaseLess> Entries;
     bool Busy = false;
     EImageSize PaneSize{DefaultPaneSize, DefaultPaneSize};
