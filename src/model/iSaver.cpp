@@ -1,6 +1,13 @@
 #include "model/iSaver.h"
 
+#include "model/hMenu.h"
+#include "output/ESaverFrontEnd.h"
+
 iFactoryProducerType iSaver::ClassType("Saver");
+
+namespace {
+enum SaverCommand : unsigned { commandRender = 0 };
+} // namespace
 
 iElement* iSaver::GetSource(iRenderStatus& result) {
     iElement* parent = GetFirstParent();
@@ -20,4 +27,22 @@ bool iSaver::doRender(EImage& image, iRenderResult& result, iRenderRequest& requ
         return false;
     }
     return source->Render(image, result, request);
+}
+
+void iSaver::AddMenuItems(hMenu& menu, unsigned firstId) {
+    menu.AppendItem(firstId + commandRender, "Render").Enabled = GetFirstParent() != nullptr;
+}
+
+bool iSaver::OnMenuCommand(unsigned id) {
+    if (id - command_first_addition != commandRender || !GetFirstParent()) return false;
+    RunSetupDialog();
+    return true;
+}
+
+bool iSaver::RunSetupDialog() {
+    return ESaverFrontEnd::Get().RunSetup(*this);
+}
+
+bool iSaver::Execute() {
+    return ESaverFrontEnd::Get().RunExecution(*this);
 }
