@@ -1,5 +1,6 @@
 #include "objects/imodRotate.h"
 
+#include "foundation/EStringTable.h"
 #include "foundation/qvrCTreeData.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
@@ -13,6 +14,8 @@
 iFactoryProducerOf<imodRotate> imodRotate::Producer(iModifier::ClassType, "Rotate");
 
 namespace {
+
+constexpr EStringId textDescription = 47500;
 
 // Transparent black: what lies around the turned picture.
 constexpr std::uint32_t Background = 0;
@@ -104,6 +107,10 @@ CRect iRotation::Rotate(const CRect& rect) const {
 }
 
 imodRotate::imodRotate(std::string name) : iModifier(std::move(name)), angle(this, "Angle", 0.0, true) {}
+
+std::string imodRotate::GetStateText() const {
+    return EStringTable::Load(textDescription);
+}
 
 void imodRotate::doSaveData(qvrCTreeData& block, hReport&) {
     block.SetBool("UseQualityInPreview", useQualityInPreview);

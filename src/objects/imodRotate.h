@@ -45,8 +45,8 @@ public:
 
     iFactoryProducer* GetProducer() const override { return &Producer; }
     bool HasObjectBlock() const override { return true; }
-    // The object's description on the pane.
-    std::string GetStateText() const override { return "Rotation"; }
+    // The object's description on the pane: "Rotation".
+    std::string GetStateText() const override;
 
     // The two quality flags, "UseQualityInPreview" and "UseQualityWhenRendering".
     void doSaveData(qvrCTreeData& block, hReport& report) override;
