@@ -177,66 +177,83 @@ std::optional<ShearPlan> planShear(const EImageData& source, double angle) {
     return plan;
 }
 
-// The three passes; `Passes` gives Rows(source, target, shifts, background)
-// and Columns(source, target, shifts, background). Each picture is deleted as
-// soon as the next pass is done with it.
-template <class Passes>
-std::unique_ptr<EImageData> shearRotate(const EImageData& source, double angle, std::uint32_t background) {
+// A turn by shears: the angle 0 is a copy; otherwise `shears`(plan) makes
+// the picture, or null when the shears can't be planned.
+template <class Shears>
+std::unique_ptr<EImageData> rotateByShears(const EImageData& source, double angle, Shears shears) {
     if (angle == 0.0) return source.Clone();
     const std::optional<ShearPlan> plan = planShear(source, angle);
     if (!plan) return nullptr;
-    std::unique_ptr<EImageData> first = newPicture(plan->width1, plan->height);
+    return shears(*plan);
+}
+
+// The three shears one after the other through ShearRow and ShearColumn, on
+// three whole pictures. Each picture is deleted as soon as the next shear is
+// done with it.
+std::unique_ptr<EImageData> shearPictures(const EImageData& source, const ShearPlan& plan,
+                                          std::uint32_t background) {
+    const auto rows = [background](const EImageData& from, EImageData& to,
+                                   const std::vector<LineShift>& shifts) {
+        for (long y = 0; y < to.GetHeight(); ++y)
+            EImgOperator::ShearRow({from.GetRow(y), static_cast<size_t>(from.GetWidth())},
+                                   {to.GetRow(y), static_cast<size_t>(to.GetWidth())}, shifts[y].offset,
+                                   shifts[y].weight, background);
+    };
+    std::unique_ptr<EImageData> first = newPicture(plan.width1, plan.height);
     if (!first) return nullptr;
-    Passes::Rows(source, *first, plan->rows1, background);
-    std::unique_ptr<EImageData> second = newPicture(plan->width1, plan->height2);
+    rows(source, *first, plan.rows1);
+    std::unique_ptr<EImageData> second = newPicture(plan.width1, plan.height2);
     if (!second) return nullptr;
-    Passes::Columns(*first, *second, plan->columns2, background);
+    for (long x = 0; x < plan.width1; ++x)
+        EImgOperator::ShearColumn(x, *first, *second, plan.columns2[x].offset, plan.columns2[x].weight,
+                                  background);
     first.reset();
-    std::unique_ptr<EImageData> third = newPicture(plan->width3, plan->height2);
+    std::unique_ptr<EImageData> third = newPicture(plan.width3, plan.height2);
     if (!third) return nullptr;
-    Passes::Rows(*second, *third, plan->rows3, background);
+    rows(*second, *third, plan.rows3);
     return third;
 }
 
-// The passes line by line, through ShearRow and ShearColumn.
-struct ReferencePasses {
-    static void Rows(const EImageData& source, EImageData& target, const std::vector<LineShift>& shifts,
-                     std::uint32_t background) {
-        for (long y = 0; y < target.GetHeight(); ++y)
-            EImgOperator::ShearRow({source.GetRow(y), static_cast<size_t>(source.GetWidth())},
-                                   {target.GetRow(y), static_cast<size_t>(target.GetWidth())},
-                                   shifts[y].offset, shifts[y].weight, background);
-    }
-    static void Columns(const EImageData& source, EImageData& target, const std::vector<LineShift>& shifts,
-                        std::uint32_t background) {
-        for (long x = 0; x < target.GetWidth(); ++x)
-            EImgOperator::ShearColumn(x, source, target, shifts[x].offset, shifts[x].weight, background);
-    }
-};
-
-// The passes with the carries from a table per line. Rows go as in the
-// reference; columns go in strips side by side, so that the source is read
-// row by row and every step stays in the cache.
-struct FastPasses {
-    static void Rows(const EImageData& source, EImageData& target, const std::vector<LineShift>& shifts,
-                     std::uint32_t background) {
-        CarryTable carry;
-        for (long y = 0; y < target.GetHeight(); ++y) {
-            carry.Fill(shifts[y].weight);
-            Row(source.GetRow(y), source.GetWidth(), target.GetRow(y), target.GetWidth(), shifts[y].offset,
-                carry, background);
+// The three shears in one sweep down the result, with the carries from a
+// table per line. Each row of the first picture is made once, into a ring of
+// the rows that the vertical shear may still need; the vertical shear runs
+// across all columns a row at a time, each column keeping its carry; and each
+// row that it completes is sheared into the result at once. Only the result
+// is a whole picture, so that little fresh memory is touched.
+class ShearSweep {
+public:
+    ShearSweep(const EImageData& source, const ShearPlan& plan, std::uint32_t background)
+        : Source(source), Plan(plan), Background(background), ColumnCarries(plan.width1),
+          Left(plan.width1, background), Second(plan.width1) {
+        long lowest = 0, highest = 0;
+        for (const LineShift& column : plan.columns2) {
+            lowest = std::min(lowest, column.offset);
+            highest = std::max(highest, column.offset);
         }
+        Lowest = lowest;
+        RingRows = std::min(highest - lowest + 2, plan.height);
+        for (long x = 0; x < plan.width1; ++x)
+            ColumnCarries[x].Fill(plan.columns2[x].weight);
     }
 
-    static void Columns(const EImageData& source, EImageData& target, const std::vector<LineShift>& shifts,
-                        std::uint32_t background) {
-        for (long first = 0; first < target.GetWidth(); first += StripWidth)
-            Strip(source, target, first, std::min(StripWidth, target.GetWidth() - first), shifts, background);
+    std::unique_ptr<EImageData> Run() {
+        std::unique_ptr<EImageData> result = newPicture(Plan.width3, Plan.height2);
+        Ring = newPicture(Plan.width1, RingRows);
+        if (!result || !Ring) return nullptr;
+        for (long i = 0; i < Plan.height; ++i)
+            FirstRows.push_back(Ring->GetRow(i % RingRows));
+        carryPast();
+        for (long y = 0; y < Plan.height2; ++y) {
+            makeFirstRows(y);
+            shearColumnsAt(y);
+            RowCarry.Fill(Plan.rows3[y].weight);
+            Row(Second.data(), Plan.width1, result->GetRow(y), Plan.width3, Plan.rows3[y].offset, RowCarry,
+                Background);
+        }
+        return result;
     }
 
 private:
-    static constexpr long StripWidth = 16;
-
     // One row: the pixels before cell 0 only carry, and those past the end are of no account.
     static void Row(const std::uint32_t* from, long count, std::uint32_t* to, long length, long offset,
                     const CarryTable& carry, std::uint32_t background) {
@@ -251,32 +268,55 @@ private:
         shearTail(cells, length, offset + count, left, background);
     }
 
-    static void Strip(const EImageData& source, EImageData& target, long first, long count,
-                      const std::vector<LineShift>& shifts, std::uint32_t background) {
-        const long height = target.GetHeight();
-        const auto cellsOf = [&target, first](long c) {
-            return [&target, x = first + c](long i) -> std::uint32_t& { return target.GetRow(i)[x]; };
-        };
-        CarryTable carries[StripWidth];
-        std::uint32_t left[StripWidth];
-        long offsets[StripWidth];
-        for (long c = 0; c < count; ++c) {
-            offsets[c] = shifts[first + c].offset;
-            carries[c].Fill(shifts[first + c].weight);
-            left[c] = background;
-            shearLead(cellsOf(c), height, offsets[c], background);
+    // The first picture's rows up to the last one that row y of the second needs.
+    void makeFirstRows(long y) {
+        for (const long needed = std::min(Plan.height, y - Lowest + 1); Made < needed; ++Made) {
+            RowCarry.Fill(Plan.rows1[Made].weight);
+            Row(Source.GetRow(Made), Plan.width, FirstRows[Made], Plan.width1, Plan.rows1[Made].offset,
+                RowCarry, Background);
         }
-        for (long i = 0; i < source.GetHeight(); ++i) {
-            const std::uint32_t* from = source.GetRow(i) + first;
-            for (long c = 0; c < count; ++c) {
-                const std::uint32_t output = carries[c].Step(from[c], left[c]);
-                const long pos = offsets[c] + i;
-                if (pos >= 0 && pos < height) target.GetRow(pos)[first + c] = output;
-            }
-        }
-        for (long c = 0; c < count; ++c)
-            shearTail(cellsOf(c), height, offsets[c] + source.GetHeight(), left[c], background);
     }
+
+    // A column that starts above the second picture carries its last pixel above it into row 0.
+    void carryPast() {
+        makeFirstRows(0);
+        for (long x = 0; x < Plan.width1; ++x) {
+            const long skipped = -Plan.columns2[x].offset;
+            if (skipped > 0 && skipped <= Plan.height)
+                Left[x] = ColumnCarries[x].Carry(FirstRows[skipped - 1][x]);
+        }
+    }
+
+    // Row y of the second picture: pixel y - offset of each column of the first.
+    // The pixels lie on a slant through rows made long ago: they are asked
+    // from memory a little ahead of their use.
+    void shearColumnsAt(long y) {
+        constexpr long Ahead = 64;
+        for (long x = 0; x < Plan.width1; ++x) {
+            if (x + Ahead < Plan.width1) {
+                const long ahead = y - Plan.columns2[x + Ahead].offset;
+                if (ahead >= 0 && ahead < Plan.height) __builtin_prefetch(FirstRows[ahead] + x + Ahead);
+            }
+            const long i = y - Plan.columns2[x].offset;
+            if (i >= 0 && i < Plan.height)
+                Second[x] = ColumnCarries[x].Step(FirstRows[i][x], Left[x]);
+            else
+                Second[x] = i == Plan.height ? Left[x] : Background;
+        }
+    }
+
+    const EImageData& Source;
+    const ShearPlan& Plan;
+    const std::uint32_t Background;
+    std::vector<CarryTable> ColumnCarries;
+    std::vector<std::uint32_t> Left;   // each column's carry
+    std::vector<std::uint32_t> Second; // the row of the second picture being made
+    CarryTable RowCarry;
+    long Lowest = 0;   // the smallest column offset, 0 at most
+    long RingRows = 0; // the first picture's rows that the ring holds
+    std::unique_ptr<EImageData> Ring;
+    std::vector<std::uint32_t*> FirstRows; // row i of the first picture in the ring
+    long Made = 0;                         // the first picture's rows made so far
 };
 
 // Pixel (x, y) of the source goes to the point `place`(x, y) of a target of `size`.
@@ -364,12 +404,14 @@ std::unique_ptr<EImageData> EImgOperator::FastRotate(const EImageData& source, d
 
 std::unique_ptr<EImageData> EImgOperator::ShearRotate(const EImageData& source, double angle,
                                                       std::uint32_t background) {
-    return shearRotate<FastPasses>(source, angle, background);
+    return rotateByShears(source, angle,
+                          [&](const ShearPlan& plan) { return ShearSweep(source, plan, background).Run(); });
 }
 
 std::unique_ptr<EImageData> EImgOperator::ShearRotateReference(const EImageData& source, double angle,
                                                                std::uint32_t background) {
-    return shearRotate<ReferencePasses>(source, angle, background);
+    return rotateByShears(source, angle,
+                          [&](const ShearPlan& plan) { return shearPictures(source, plan, background); });
 }
 
 std::unique_ptr<EImageData> EImgOperator::Rotate90(const EImageData& source) {
