@@ -28,6 +28,7 @@ bool ProbeSource::doRender(EImage& image, iRenderResult& result, iRenderRequest&
     if (Deliverable)
         rect = {std::max(rect.left, Deliverable->left), std::max(rect.top, Deliverable->top),
                 std::min(rect.right, Deliverable->right), std::min(rect.bottom, Deliverable->bottom)};
+    if (rect.IsRectEmpty()) rect = {rect.left, rect.top, rect.left, rect.top};
     const CSize size = request.FullSize ? CSize{rect.Width(), rect.Height()} : request.DisplaySize.ToSize();
     std::unique_ptr<EImageData> picture = EImageData::New(size, EImageMemory::NoFreeing);
     if (!picture) {

@@ -123,6 +123,15 @@ TEST(imodScale, AParentThatDeliversLessDecidesTheTargetWithTheRoundingPair) {
     EXPECT_EQ(rendered.Size, (CSize{101, 201}));
 }
 
+TEST(imodScale, ASectionOutsideAClippingParentGivesOneEmptyPixel) {
+    ScaleChain chain({100, 100}, {200, 200});
+    chain.probe.Deliverable = CRect{0, 0, 100, 100};
+    const Rendered rendered = RenderElement(chain.scale, {1000, 1000, 1100, 1100}, {100, 100}, true);
+    EXPECT_TRUE(rendered.Done);
+    EXPECT_EQ(rendered.Result.Rect, (CRect{1000, 1000, 1001, 1001}));
+    EXPECT_EQ(rendered.Pixels, std::vector<std::uint32_t>{0u});
+}
+
 TEST(imodScale, LinkingTakesTheFirstParentsSizeOnce) {
     ProbeSource small("Small"), large("Large"), sizeless("Sizeless");
     small.Size = {320, 240};
