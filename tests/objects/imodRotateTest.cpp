@@ -1,86 +1,27 @@
 #include "objects/imodRotate.h"
+#include "ProbeSource.h"
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
-#include "objects/isrcLayer.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// Opaque, and tells where it came from: x in the low bits, y above.
-std::uint32_t patternAt(long x, long y) {
-    return 0xFF000000u | static_cast<std::uint32_t>(y) << 12 | static_cast<std::uint32_t>(x);
-}
-
-// A source whose every pixel names its place, and which remembers what it was asked.
-class PatternSource : public isrcLayer {
-public:
-    explicit PatternSource(EImageSize extent) : isrcLayer("Pattern") { SetSize(extent); }
-
-    std::vector<iRenderRequest> Requests;
-    bool FailRender = false;
-
-protected:
-    bool doRender(EImage& image, iRenderResult& result, iRenderRequest& request) override {
-        Requests.push_back(request);
-        if (FailRender) {
-            result.SetError(render_failed, this, text_no_source_files);
-            return false;
-        }
-        const CRect& rect = request.Rect;
-        const CSize out =
-            request.FullSize ? CSize{rect.Width(), rect.Height()} : request.DisplaySize.ToSize();
-        auto picture = EImageData::New(out, EImageMemory::NoFreeing);
-        for (long j = 0; j < out.cy; ++j)
-            for (long i = 0; i < out.cx; ++i)
-                picture->GetRow(j)[i] =
-                    patternAt(rect.left + i * rect.Width() / out.cx, rect.top + j * rect.Height() / out.cy);
-        EImageLock lock(image);
-        lock.Lock(-1);
-        lock.SetData(std::move(picture));
-        result.Rect = rect;
-        return true;
-    }
-};
-
-struct Rendered {
-    bool Done = false;
-    iRenderResult Result;
-    CSize Size{-1, -1};
-    std::vector<std::uint32_t> Pixels;
-
-    std::uint32_t At(long x, long y) const { return Pixels[static_cast<size_t>(y * Size.cx + x)]; }
-};
+const auto patternAt = ProbeSource::PatternAt;
 
 struct RotateChain : ::testing::Test {
-    void SetUp() override { ASSERT_EQ(rotate.LinkParent(&parent), link_done); }
-
+    void SetUp() override {
+        parent.Size = {8, 6};
+        ASSERT_EQ(rotate.LinkParent(&parent), link_done);
+    }
     Rendered Render(const CRect& rect, EImageSize display, bool fullSize) {
-        iImageSizeResult size;
-        EXPECT_TRUE(rotate.QueryImageSize(size, 0));
-        iRenderRequest request;
-        request.ImageSize = size.Size;
-        request.Rect = rect;
-        request.DisplaySize = display;
-        request.FullSize = fullSize;
-        EImage image(0);
-        Rendered rendered;
-        rendered.Done = rotate.Render(image, rendered.Result, request);
-        EImageLock lock(image);
-        if (lock.Lock(-1) && lock.GetData()) {
-            const EImageData& picture = *lock.GetData();
-            rendered.Size = picture.GetSize();
-            for (long y = 0; y < picture.GetHeight(); ++y)
-                rendered.Pixels.insert(rendered.Pixels.end(), picture.GetRow(y),
-                                       picture.GetRow(y) + picture.GetWidth());
-        }
-        return rendered;
+        return RenderElement(rotate, rect, display, fullSize);
     }
     void SetAngle(double degrees) { rotate.GetAngleValue().SetSingleKey(0, degrees, false); }
 
-    PatternSource parent{{8, 6}};
+    ProbeSource parent{"Probe"};
     imodRotate rotate{"Rotate.1"};
     const CRect square{0, 0, 14, 14};
 };
@@ -100,7 +41,8 @@ TEST(iRotation, KeepsEightBitsAndTruncatesTowardZero) {
 }
 
 TEST(imodRotate, OwnSizeIsASquareOfWidthPlusHeight) {
-    PatternSource pal({720, 576});
+    ProbeSource pal("Pal");
+    pal.Size = {720, 576};
     imodRotate rotate("Rotate");
     ASSERT_EQ(rotate.LinkParent(&pal), link_done);
     for (double degrees : {0.0, 37.0, 90.0, 359.9}) {
@@ -117,8 +59,8 @@ TEST_F(RotateChain, LevelPictureSitsCentredInTheSquareOnTransparentBlack) {
     ASSERT_TRUE(rendered.Done);
     ASSERT_EQ(rendered.Size, (CSize{14, 14}));
     EXPECT_EQ(rendered.Result.Rect, square);
-    ASSERT_EQ(parent.Requests.size(), 1u);
-    EXPECT_EQ(parent.Requests[0].Rect, (CRect{0, 0, 8, 6}));
+    EXPECT_EQ(parent.Renders, 1);
+    EXPECT_EQ(parent.LastRect, (CRect{0, 0, 8, 6}));
     for (long y = 0; y < 14; ++y)
         for (long x = 0; x < 14; ++x) {
             const bool inside = x >= 3 && x < 11 && y >= 4 && y < 10;
@@ -143,12 +85,9 @@ TEST_F(RotateChain, QuarterTurnIsExactAndAsksOnlyForTheCoveredPart) {
     EXPECT_EQ(box.Size, (CSize{6, 8}));
     EXPECT_EQ(box.At(0, 7), patternAt(0, 0));
 
-    parent.Requests.clear();
     const Rendered quarter = Render({7, 7, 10, 11}, {3, 4}, true);
     ASSERT_TRUE(quarter.Done);
-    ASSERT_EQ(parent.Requests.size(), 1u);
-    EXPECT_EQ(parent.Requests[0].Rect, (CRect{0, 3, 4, 6}));
-    EXPECT_EQ(parent.Requests[0].ImageSize, (EImageSize{8, 6}));
+    EXPECT_EQ(parent.LastRect, (CRect{0, 3, 4, 6}));
     EXPECT_EQ(quarter.Size, (CSize{3, 4}));
     EXPECT_EQ(quarter.At(0, 0), patternAt(3, 3));
 }
@@ -157,7 +96,7 @@ TEST_F(RotateChain, SectionBeyondTheTurnedParentIsTransparentAtDisplaySize) {
     SetAngle(30.0);
     const Rendered corner = Render({0, 0, 2, 2}, {5, 4}, false);
     ASSERT_TRUE(corner.Done);
-    EXPECT_TRUE(parent.Requests.empty());
+    EXPECT_EQ(parent.Renders, 0);
     EXPECT_EQ(corner.Size, (CSize{5, 4}));
     EXPECT_EQ(corner.Pixels, std::vector<std::uint32_t>(20, 0u));
     EXPECT_EQ(corner.Result.Rect, (CRect{0, 0, 2, 2}));
@@ -166,9 +105,8 @@ TEST_F(RotateChain, SectionBeyondTheTurnedParentIsTransparentAtDisplaySize) {
 TEST_F(RotateChain, PreviewAsksForFullResolutionAndScalesOnce) {
     const Rendered preview = Render(square, {7, 7}, false);
     ASSERT_TRUE(preview.Done);
-    ASSERT_EQ(parent.Requests.size(), 1u);
-    EXPECT_EQ(parent.Requests[0].DisplaySize, (EImageSize{8, 6}));
-    EXPECT_FALSE(parent.Requests[0].FullSize);
+    EXPECT_EQ(parent.Renders, 1);
+    EXPECT_EQ(parent.LastDisplaySize, (EImageSize{8, 6}));
     ASSERT_EQ(preview.Size, (CSize{7, 7}));
     // The parent's box 3, 4 to 11, 10 maps to 1, 2 to 5, 5; nearest pixels every second one.
     EXPECT_EQ(preview.At(1, 2), patternAt(0, 0));
@@ -183,7 +121,7 @@ TEST_F(RotateChain, FailuresKeepTheParentsCodeOrBecomeOutOfMemory) {
     const Rendered failed = Render(square, {14, 14}, true);
     EXPECT_FALSE(failed.Done);
     EXPECT_EQ(failed.Result.Code, render_failed);
-    EXPECT_EQ(failed.Result.Message, "No source file(s)");
+    EXPECT_EQ(failed.Result.Message, "Probe failure");
     EXPECT_EQ(failed.Result.Element.Get(), &parent);
     EXPECT_TRUE(failed.Pixels.empty());
 
@@ -194,23 +132,26 @@ TEST_F(RotateChain, FailuresKeepTheParentsCodeOrBecomeOutOfMemory) {
     EXPECT_EQ(negative.Result.Message, "Out of memory during rendering");
     EXPECT_EQ(negative.Result.Element.Get(), &rotate);
 
-    parent.SetSize({0, 6});
-    iImageSizeResult size;
-    EXPECT_FALSE(rotate.QueryImageSize(size, 0));
-    EXPECT_EQ(size.Message, "Invalid size");
-    iRenderRequest request;
-    request.Rect = square;
-    request.DisplaySize = {14, 14};
-    EImage image(0);
-    iRenderResult result;
-    EXPECT_FALSE(rotate.Render(image, result, request));
-    EXPECT_EQ(result.Code, render_failed);
-    EXPECT_EQ(result.Message, "Invalid size");
-    EXPECT_EQ(result.Element.Get(), &parent);
+    parent.FailSize = true;
+    const Rendered sizeless = Render(square, {14, 14}, true);
+    EXPECT_FALSE(sizeless.Done);
+    EXPECT_EQ(sizeless.Result.Code, render_failed);
+    EXPECT_EQ(sizeless.Result.Message, "Invalid size");
+    EXPECT_EQ(sizeless.Result.Element.Get(), &parent);
+}
+
+TEST_F(RotateChain, PartDeliveredIsPlacedWhereTheParentSaysItLies) {
+    parent.Deliverable = CRect{0, 0, 4, 6};
+    const Rendered rendered = Render(square, {14, 14}, true);
+    ASSERT_TRUE(rendered.Done);
+    EXPECT_EQ(rendered.At(3, 4), patternAt(0, 0));
+    EXPECT_EQ(rendered.At(6, 9), patternAt(3, 5));
+    EXPECT_EQ(rendered.At(7, 4), 0u);
+    EXPECT_EQ(rendered.At(2, 4), 0u);
 }
 
 TEST_F(RotateChain, SectionsAtAnyAngleStayInsideTheirPictures) {
-    parent.SetSize({37, 23});
+    parent.Size = {37, 23};
     rotate.SetUseQualityInPreview(true);
     for (double degrees : {0.4, 10.0, 45.0, 123.0, 200.0, 333.0})
         for (const CRect& rect : {CRect{0, 0, 60, 60}, CRect{5, 7, 31, 52}, CRect{29, 29, 31, 31},
