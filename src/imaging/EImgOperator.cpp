@@ -374,7 +374,7 @@ std::unique_ptr<EImageData> EImgOperator::RotateImage(const EImageData& source, 
 
 std::unique_ptr<EImageData> EImgOperator::FastRotate(const EImageData& source, double angle,
                                                      std::uint32_t background) {
-    if (isNoTurn(angle)) return source.Clone();
+    if (isNoTurn(angle) || !std::isfinite(angle)) return source.Clone();
     const float r = static_cast<float>(angle) * std::numbers::pi_v<float> * 2.0f / 360.0f;
     const float c = std::cos(r), s = std::sin(r);
     const float W = static_cast<float>(source.GetWidth()), H = static_cast<float>(source.GetHeight());

@@ -38,7 +38,8 @@ public:
     static std::unique_ptr<EImageData> RotateImage(const EImageData& source, double angle,
                                                    std::uint32_t background, ERotateQuality quality);
     // Nearest-pixel turn into the bounding box of the turned corners, which are
-    // computed in single precision and truncated; the rest is background.
+    // computed in single precision and truncated; the rest is background. An
+    // angle of no turn, or one that isn't a number, gives a copy.
     static std::unique_ptr<EImageData> FastRotate(const EImageData& source, double angle,
                                                   std::uint32_t background);
     // Three-shear turn with a linear filter. The result is the bounding box
