@@ -8,6 +8,7 @@
 #include "foundation/iDataBaseSection.h"
 #include "foundation/qvrCRegKey.h"
 #include "model/iFactory.h"
+#include "output/qvrCAVIStream.h"
 
 #include <functional>
 
@@ -53,7 +54,13 @@ constexpr EStringId BatchProcessor = 40219;
 
 // Components with a dependency, started in the order 13 to 17.
 EComponent batchProcessor(BatchProcessor, GlobalLog);
-EComponent aviCompressors(AviCompressors, GlobalLog);
+EComponent aviCompressors(
+    AviCompressors, GlobalLog,
+    [] {
+        qvrCAVIStream::Options::LoadCompressors();
+        return true;
+    },
+    [] { qvrCAVIStream::Options::FreeCompressors(); });
 EComponent proxyConfiguration(ProxyConfiguration, Environment);
 EComponent globalLog(
     GlobalLog, Environment,

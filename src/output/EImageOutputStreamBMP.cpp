@@ -11,9 +11,6 @@
 
 namespace {
 
-// The registered stream.
-const EImageOutputStreamBMP bmpStream;
-
 constexpr std::uint32_t fileHeaderSize = 14;
 constexpr std::uint32_t infoHeaderSize = 40;
 constexpr std::uint8_t padByte = 0x20;
