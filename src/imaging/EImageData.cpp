@@ -11,6 +11,10 @@
 #include <new>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 // Bytes a picture of the size needs beyond its pixels: header, palette and row table.
@@ -405,18 +409,61 @@ void EImageData::StretchFilteredFast(const EImageData& source, const CRect& sour
     }
 }
 
+namespace {
+
+#if defined(__SSE2__)
+// BlendPixel for two pixels spread to eight 16-bit channels: the same
+// products and shifts, eight channels per multiplication. No sum exceeds 16
+// bits, as the two shares add up to 256.
+__m128i blendTwoPixels(__m128i d, __m128i s, __m128i opacityPlusOne) {
+    const __m128i alphaPlusOne =
+        _mm_add_epi16(_mm_shufflehi_epi16(_mm_shufflelo_epi16(s, 0xFF), 0xFF), _mm_set1_epi16(1));
+    // The share reaches 256, one bit beyond the low half of the product: the high half gives it.
+    const __m128i sourceShare =
+        _mm_or_si128(_mm_srli_epi16(_mm_mullo_epi16(alphaPlusOne, opacityPlusOne), 8),
+                     _mm_slli_epi16(_mm_mulhi_epu16(alphaPlusOne, opacityPlusOne), 8));
+    const __m128i destinationShare = _mm_sub_epi16(_mm_set1_epi16(256), sourceShare);
+    return _mm_srli_epi16(
+        _mm_add_epi16(_mm_mullo_epi16(d, destinationShare), _mm_mullo_epi16(s, sourceShare)), 8);
+}
+
+// Blends whole groups of four pixels; returns how many pixels were done.
+long blendFourAtATime(std::uint32_t* target, const std::uint32_t* source, long count, std::uint8_t opacity) {
+    const __m128i opacityPlusOne = _mm_set1_epi16(static_cast<short>(opacity + 1));
+    const __m128i zero = _mm_setzero_si128();
+    long i = 0;
+    for (; i + 4 <= count; i += 4) {
+        const __m128i d = _mm_loadu_si128(reinterpret_cast<const __m128i*>(target + i));
+        const __m128i s = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source + i));
+        const __m128i low =
+            blendTwoPixels(_mm_unpacklo_epi8(d, zero), _mm_unpacklo_epi8(s, zero), opacityPlusOne);
+        const __m128i high =
+            blendTwoPixels(_mm_unpackhi_epi8(d, zero), _mm_unpackhi_epi8(s, zero), opacityPlusOne);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(target + i), _mm_packus_epi16(low, high));
+    }
+    return i;
+}
+#else
+long blendFourAtATime(std::uint32_t* target, const std::uint32_t* source, long count, std::uint8_t opacity) {
+    long i = 0;
+    for (; i + 4 <= count; i += 4) {
+        PixelLanes d, s;
+        std::memcpy(&d, target + i, sizeof d);
+        std::memcpy(&s, source + i, sizeof s);
+        const PixelLanes blended = blendLanes(d, s, opacity);
+        std::memcpy(target + i, &blended, sizeof blended);
+    }
+    return i;
+}
+#endif
+
+} // namespace
+
 void BlendPixels(std::uint32_t* target, const std::uint32_t* source, long count, std::uint8_t opacity) {
     long i = 0;
     // Four pixels at a time, unless the rows overlap: then a pixel written may be a later one's source.
-    if (source + count <= target || target + count <= source) {
-        for (; i + 4 <= count; i += 4) {
-            PixelLanes d, s;
-            std::memcpy(&d, target + i, sizeof d);
-            std::memcpy(&s, source + i, sizeof s);
-            const PixelLanes blended = blendLanes(d, s, opacity);
-            std::memcpy(target + i, &blended, sizeof blended);
-        }
-    }
+    if (source + count <= target || target + count <= source)
+        i = blendFourAtATime(target, source, count, opacity);
     for (; i < count; ++i)
         target[i] = blendLanes(target[i], source[i], opacity);
 }
