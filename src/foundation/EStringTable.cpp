@@ -45,6 +45,13 @@ constexpr auto sortedEntries() {
 
 constexpr auto table = sortedEntries();
 
+constexpr bool idsAreUnique() {
+    for (size_t i = 1; i < table.size(); ++i)
+        if (table[i].id == table[i - 1].id) return false;
+    return true;
+}
+static_assert(idsAreUnique(), "two texts of the string table share an id");
+
 } // namespace
 
 std::string_view EStringTable::Get(EStringId id) {
