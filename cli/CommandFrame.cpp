@@ -2,12 +2,12 @@
 // renders one element's picture at one frame, as a view or a saver asks for it.
 
 #include "QvrCommand.h"
+#include "QvrPictureFile.h"
 #include "QvrSession.h"
 
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
 #include "imaging/EImage.h"
-#include "imaging/EImageFileFormat.h"
 #include "model/iElement.h"
 #include "model/iProject.h"
 
@@ -21,7 +21,8 @@ constexpr const char* Help =
     "Renders one element's picture at one frame. The size is queried first; the\n"
     "rectangle is --rect or the whole image. With --display the request is a preview\n"
     "of that display size, without it a full-size render. OUT ending in .qts is\n"
-    "written as a quick file (alpha, position and opacity kept).\n"
+    "written as a quick file (alpha, position and opacity kept), OUT ending in .bmp\n"
+    "as a 24-bit BMP file.\n"
     "Exit 1 when the render fails, 2 for bad usage or a project that can't be loaded.\n";
 
 struct FrameOptions {
@@ -101,23 +102,20 @@ int writePicture(EImage& image, const std::string& output) {
         std::fprintf(stderr, "qvr frame: the render delivered no picture\n");
         return ExitFailures;
     }
-    EImageFileResult result;
-    if (!EImageFileFormat::Save(*picture, output, result)) {
-        std::fprintf(stderr, "qvr frame: %s: %s\n", output.c_str(), result.text.c_str());
+    std::string problem;
+    if (!QvrPictureFile::Write(*picture, output, problem)) {
+        std::fprintf(stderr, "qvr frame: %s: %s\n", output.c_str(), problem.c_str());
         return ExitFailures;
     }
     return ExitSuccess;
-}
-
-bool isQuickFile(const std::string& path) {
-    return path.size() > 4 && qvrEqualNoCase(std::string_view(path).substr(path.size() - 4), ".qts");
 }
 
 int runFrame(const QvrCommand::Arguments& arguments) {
     FrameOptions options;
     std::string problem = parseOptions(arguments, options);
     if (!problem.empty()) return usage(problem);
-    if (!isQuickFile(options.Output)) return usage(options.Output + ": only .qts output is written yet");
+    if (!QvrPictureFile::CanWrite(options.Output))
+        return usage(options.Output + ": only .qts and .bmp output is written");
     QvrSession session;
     if (!session.Started()) return ExitUsage;
     hReportRoot report("Loading");

@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <sys/wait.h>
 
 namespace {
@@ -99,4 +101,25 @@ TEST_F(QvrRun, FrameRefusesBadRequests) {
     EXPECT_EQ(run("frame '" + project + "' Red zero -o '" + output + "'").ExitCode, 2);
     EXPECT_EQ(run("frame '" + project + "' Red 0 -o '" + output + "' --rect 1,2").ExitCode, 2);
     EXPECT_EQ(run("frame '" + project + "' Red 0").ExitCode, 2);
+}
+
+TEST_F(QvrRun, FrameAndConvertWriteBmpFiles) {
+    const std::string project = writeLayerProject();
+    const std::string bmp = home.File("red.bmp");
+    RunResult frame = run("frame '" + project + "' Red 0 -o '" + bmp + "' --display 16,12");
+    ASSERT_EQ(frame.ExitCode, 0) << frame.Output;
+    std::ifstream written(bmp, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(written), std::istreambuf_iterator<char>()};
+    ASSERT_EQ(bytes.size(), 54u + 48u * 12u);
+    EXPECT_EQ(bytes.substr(0, 2), "BM");
+    EXPECT_EQ(bytes.substr(54, 3), std::string("\0\0\xFF", 3));
+
+    const std::string quick = home.File("red.qts");
+    ASSERT_EQ(run("frame '" + project + "' Red 0 -o '" + quick + "' --display 16,12").ExitCode, 0);
+    const std::string converted = home.File("converted.bmp");
+    RunResult convert = run("convert '" + quick + "' '" + converted + "'");
+    ASSERT_EQ(convert.ExitCode, 0) << convert.Output;
+    std::ifstream again(converted, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(again), std::istreambuf_iterator<char>()), bytes);
+    EXPECT_EQ(run("convert '" + quick + "' '" + home.File("missing/x.bmp") + "'").ExitCode, 1);
 }
