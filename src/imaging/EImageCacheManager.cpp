@@ -59,6 +59,18 @@ void LogCache(int level, const std::string& text) {
     ELog::Log(level, EImageCacheManager::LogSource, text);
 }
 
+// A restore refused for lack of memory; only an important one has tried to free some.
+void LogShortOfMemory(const std::string& fileName, long need, bool important) {
+    LogCache(important ? ELog::LevelError : ELog::LevelWarning,
+             qvrFormat("The cache manager failed to restore cached data (type: %s) from the file "
+                       "system.\nFile:   %s\nReason: Not enough memory.",
+                       important ? "important" : "discardable", fileName.c_str()));
+    qvrTraceVerbose("*** ERROR[EImage::VirtualLoad()]: Can't load virtual file \"%s\": Not enough memory to "
+                    "load a file of %ld bytes (%s) !\n",
+                    fileName.c_str(), need,
+                    important ? "memory-freeing HAS BEEN tried" : "no memory-freeing tried");
+}
+
 } // namespace
 
 EImageCacheManager& EImageCacheManager::Get() {
@@ -214,26 +226,9 @@ std::unique_ptr<EImageData> EImageCacheManager::VirtualLoad(unsigned long token,
 std::unique_ptr<EImageData> EImageCacheManager::ReadVirtualFile(const std::string& fileName, long need,
                                                                 bool important) {
     if (AvailableMemory() < need) {
-        if (!important) {
-            LogCache(ELog::LevelWarning,
-                     qvrFormat("The cache manager failed to restore cached data (type: discardable) from the "
-                               "file system.\nFile:   %s\nReason: Not enough memory.",
-                               fileName.c_str()));
-            qvrTraceVerbose(
-                "*** ERROR[EImage::VirtualLoad()]: Can't load virtual file \"%s\": Not enough memory "
-                "to load a file of %ld bytes (no memory-freeing tried) !\n",
-                fileName.c_str(), need);
-            return nullptr;
-        }
-        if (!FreeMemory(need + 10000)) {
-            LogCache(ELog::LevelError,
-                     qvrFormat("The cache manager failed to restore cached data (type: important) from the "
-                               "file system.\nFile:   %s\nReason: Not enough memory.",
-                               fileName.c_str()));
-            qvrTraceVerbose(
-                "*** ERROR[EImage::VirtualLoad()]: Can't load virtual file \"%s\": Not enough memory "
-                "to load a file of %ld bytes (memory-freeing HAS BEEN tried) !\n",
-                fileName.c_str(), need);
+        // Memory is freed for an important picture only.
+        if (!important || !FreeMemory(need + 10000)) {
+            LogShortOfMemory(fileName, need, important);
             return nullptr;
         }
         if (AvailableMemory() < need) return nullptr;
@@ -259,14 +254,6 @@ bool EImageCacheManager::VirtualDelete(unsigned long token) {
         qvrTraceVerbose("*** ERROR[EImage::VirtualDelete()]: Can't remove virtual file \"%s\": %s.\n",
                         fileName.c_str(), error ? error.message().c_str() : "No such file");
     return true;
-}
-
-long EImageCacheManager::CountListed() {
-    ListLock list(listSection);
-    long count = 0;
-    for (EImage* entry = oldest; entry; entry = LinksOf(*entry).newer)
-        ++count;
-    return count;
 }
 
 void EImageCacheManager::LinkNewest(EImage& holder) {

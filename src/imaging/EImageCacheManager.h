@@ -65,9 +65,6 @@ public:
     // Removes the token's file; true for any token but 0.
     bool VirtualDelete(unsigned long token);
 
-    // The number of holders in the list, for those who watch the cache.
-    long CountListed();
-
 protected:
     // Reads the system's memory figures; false when there are none.
     virtual bool doQueryMemoryStatus(EMemoryStatus& status);
