@@ -1,6 +1,5 @@
 #include "output/EImageOutputHandle.h"
-#include "imaging/ImagingTestSupport.h"
-#include "output/EImageOutputSequence.h"
+#include "OutputTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -12,17 +11,8 @@ using qvrTest::MakeNoise;
 using qvrTest::ReadBytes;
 using qvrTest::ScratchFile;
 
-const EImageOutputStream& BmpStream() {
-    return *EImageOutputStream::Find("BMP Image stream");
-}
-
-// A fresh, empty directory in the scratch area.
-std::string EmptyDirectory(const std::string& name) {
-    const std::string directory = ScratchFile(name);
-    std::filesystem::remove_all(directory);
-    std::filesystem::create_directories(directory);
-    return directory;
-}
+using qvrTest::BmpSequence;
+using qvrTest::EmptyDirectory;
 
 void ExpectError(const EImageOutputHandle& handle, long cause, long osError, const std::string& text) {
     const EImageOutputError error = handle.GetLastError();
@@ -32,7 +22,7 @@ void ExpectError(const EImageOutputHandle& handle, long cause, long osError, con
 }
 
 TEST(OutputHandle, OpenRefusesAnEmptyNameOrSize) {
-    EImageOutputHandle handle(BmpStream());
+    EImageOutputHandle handle(BmpSequence());
     EXPECT_FALSE(handle.Open("", {4, 4}, nullptr, 25, 1));
     ExpectError(handle, FileErrorBadPath, 123, "<empty file name>");
     EXPECT_FALSE(handle.Open(ScratchFile("sized"), {0, 4}, nullptr, 25, 1));
@@ -42,7 +32,7 @@ TEST(OutputHandle, OpenRefusesAnEmptyNameOrSize) {
 
 TEST(OutputHandle, WritesNumberedFilesAndClosesOnce) {
     const std::string directory = EmptyDirectory("handle-frames");
-    EImageOutputHandle handle(BmpStream());
+    EImageOutputHandle handle(BmpSequence());
     ASSERT_TRUE(handle.Open(directory + "/shot.tga", {3, 2}, nullptr, 25, 1));
     EXPECT_EQ(handle.GetFileName(), directory + "/shot.bmp");
     EXPECT_EQ(handle.GetLastError().Text, "");
@@ -65,7 +55,7 @@ TEST(OutputHandle, WritesNumberedFilesAndClosesOnce) {
 
 TEST(OutputHandle, FrameOfAnotherSizeFailsBeforeAnyFileIsTouched) {
     const std::string directory = EmptyDirectory("handle-size");
-    EImageOutputHandle handle(BmpStream());
+    EImageOutputHandle handle(BmpSequence());
     ASSERT_TRUE(handle.Open(directory + "/f", {4, 4}, nullptr, 25, 1));
     EImageOutputError error;
     EXPECT_FALSE(handle.Write(*MakeNoise(4, 3, 1), 0, &error));
@@ -76,11 +66,11 @@ TEST(OutputHandle, FrameOfAnotherSizeFailsBeforeAnyFileIsTouched) {
 
 TEST(OutputHandle, InvalidSetupIsDroppedForTheDefaults) {
     const std::string directory = EmptyDirectory("handle-setup");
-    EImageOutputSequenceSetup setup(BmpStream());
+    EImageOutputSequenceSetup setup(BmpSequence());
     setup.digits = 2;
     setup.ownNumbering = true;
     setup.step = 0;
-    EImageOutputHandle handle(BmpStream());
+    EImageOutputHandle handle(BmpSequence());
     ASSERT_TRUE(handle.Open(directory + "/f", {1, 1}, &setup, 25, 1));
     EXPECT_TRUE(handle.Write(*MakeNoise(1, 1, 1), 3));
     EXPECT_TRUE(std::filesystem::exists(directory + "/f0003.bmp"));
@@ -89,7 +79,7 @@ TEST(OutputHandle, InvalidSetupIsDroppedForTheDefaults) {
 TEST(OutputHandle, DirectoryThatCannotBeCreatedFailsTheOpen) {
     const std::string blocker = ScratchFile("handle-blocker");
     qvrTest::WriteBytes(blocker, {1});
-    EImageOutputHandle handle(BmpStream());
+    EImageOutputHandle handle(BmpSequence());
     EXPECT_FALSE(handle.Open(blocker + "/frames/f", {2, 2}, nullptr, 25, 1));
     ExpectError(handle, FileErrorBadPath, ENOTDIR, blocker + "/frames/f.bmp");
 }
@@ -98,7 +88,7 @@ TEST(OutputHandle, FullDiskFailsOneFrameAndLeavesTheOthers) {
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
     const std::string directory = EmptyDirectory("handle-full");
     std::filesystem::create_symlink("/dev/full", directory + "/f0002.bmp");
-    EImageOutputHandle handle(BmpStream());
+    EImageOutputHandle handle(BmpSequence());
     ASSERT_TRUE(handle.Open(directory + "/f", {5, 3}, nullptr, 25, 1));
     auto picture = MakeNoise(5, 3, 9);
     ASSERT_TRUE(handle.Write(*picture, 0));

@@ -1,5 +1,4 @@
-#include "output/EImageOutputSequence.h"
-#include "imaging/ImagingTestSupport.h"
+#include "OutputTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -8,20 +7,18 @@
 namespace {
 
 using qvrTest::MakeNoise;
-using qvrTest::ScratchFile;
 
-const EImageOutputSequence& BmpStream() {
-    return dynamic_cast<const EImageOutputSequence&>(*EImageOutputStream::Find("BMP Image stream"));
-}
+using qvrTest::BmpSequence;
+using qvrTest::EmptyDirectory;
 
 EImageOutputSequenceSetup ParsedSetup(std::string_view text) {
-    EImageOutputSequenceSetup setup(BmpStream());
+    EImageOutputSequenceSetup setup(BmpSequence());
     EXPECT_TRUE(setup.SetSetupString(text)) << text;
     return setup;
 }
 
 TEST(SequenceSetup, TextRoundTripsAndParsesLoosely) {
-    EImageOutputSequenceSetup setup(BmpStream());
+    EImageOutputSequenceSetup setup(BmpSequence());
     EXPECT_EQ(setup.GetSetupString(), "SQ4|n|0|1");
     EXPECT_EQ(ParsedSetup("SQ6|y|-3|2").GetSetupString(), "SQ6|y|-3|2");
     EXPECT_TRUE(ParsedSetup("SQ4|x|0|1").ownNumbering);
@@ -31,7 +28,7 @@ TEST(SequenceSetup, TextRoundTripsAndParsesLoosely) {
 
 TEST(SequenceSetup, TextThatDoesNotParseGivesTheDefaults) {
     for (const char* bad : {"AB4|n|0|1", "SQ", "S", "", "SQ4|n|0", "SQx|n|0|1", "SQ4|n|a|1", "SQ4|n|0|1|2"}) {
-        EImageOutputSequenceSetup setup(BmpStream());
+        EImageOutputSequenceSetup setup(BmpSequence());
         setup.digits = 7;
         setup.ownNumbering = true;
         EXPECT_FALSE(setup.SetSetupString(bad)) << bad;
@@ -40,7 +37,7 @@ TEST(SequenceSetup, TextThatDoesNotParseGivesTheDefaults) {
 }
 
 TEST(SequenceSetup, OwnNumberingWithoutStepIsRepairedToOne) {
-    EImageOutputSequenceSetup setup(BmpStream());
+    EImageOutputSequenceSetup setup(BmpSequence());
     setup.ownNumbering = true;
     setup.step = 0;
     EXPECT_FALSE(setup.IsValid());
@@ -64,28 +61,26 @@ TEST(SequenceWriter, PatternCarriesTheDigits) {
     const std::string name = "/data/out.final.bmp";
     auto pattern = [&](const char* text) {
         const EImageOutputSequenceSetup setup = ParsedSetup(text);
-        return EImageOutputSequenceWriter(BmpStream(), name, &setup).GetPattern();
+        return EImageOutputSequenceWriter(BmpSequence(), name, &setup).GetPattern();
     };
     EXPECT_EQ(pattern("SQ0|n|0|1"), "/data/out.final%ld.bmp");
     EXPECT_EQ(pattern("SQ1|n|0|1"), "/data/out.final%ld.bmp");
     EXPECT_EQ(pattern("SQ5|n|0|1"), "/data/out.final%05ld.bmp");
-    EXPECT_EQ(EImageOutputSequenceWriter(BmpStream(), "noextension", nullptr).GetPattern(),
+    EXPECT_EQ(EImageOutputSequenceWriter(BmpSequence(), "noextension", nullptr).GetPattern(),
               "noextension%04ld");
 }
 
 TEST(SequenceWriter, NumbersFilesByFrameOrByOwnNumbering) {
-    const std::string directory = ScratchFile("numbering");
-    std::filesystem::remove_all(directory);
-    std::filesystem::create_directories(directory);
+    const std::string directory = EmptyDirectory("numbering");
     auto picture = MakeNoise(2, 2, 1);
     EImageOutputError error;
 
-    EImageOutputSequenceWriter byFrame(BmpStream(), directory + "/f.bmp", nullptr);
+    EImageOutputSequenceWriter byFrame(BmpSequence(), directory + "/f.bmp", nullptr);
     EXPECT_TRUE(byFrame.Write(*picture, 7, error));
     EXPECT_TRUE(std::filesystem::exists(directory + "/f0007.bmp"));
 
     const EImageOutputSequenceSetup own = ParsedSetup("SQ2|y|10|-3");
-    EImageOutputSequenceWriter numbered(BmpStream(), directory + "/g.bmp", &own);
+    EImageOutputSequenceWriter numbered(BmpSequence(), directory + "/g.bmp", &own);
     EXPECT_TRUE(numbered.Write(*picture, 2, error));
     EXPECT_TRUE(std::filesystem::exists(directory + "/g04.bmp"));
     EXPECT_TRUE(numbered.Write(*picture, 5, error));
@@ -94,12 +89,10 @@ TEST(SequenceWriter, NumbersFilesByFrameOrByOwnNumbering) {
 }
 
 TEST(SequenceWriter, PercentSignsInTheNameMisformatWithoutHarm) {
-    const std::string directory = ScratchFile("percent");
-    std::filesystem::remove_all(directory);
-    std::filesystem::create_directories(directory);
+    const std::string directory = EmptyDirectory("percent");
     auto picture = MakeNoise(1, 1, 1);
     EImageOutputError error;
-    EImageOutputSequenceWriter writer(BmpStream(), directory + "/a%s%d%%b.bmp", nullptr);
+    EImageOutputSequenceWriter writer(BmpSequence(), directory + "/a%s%d%%b.bmp", nullptr);
     EXPECT_TRUE(writer.Write(*picture, 3, error));
     EXPECT_TRUE(std::filesystem::exists(directory + "/a%s3%b0003.bmp"));
 }

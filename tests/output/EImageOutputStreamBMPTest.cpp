@@ -1,5 +1,4 @@
-#include "output/EImageOutputStreamBMP.h"
-#include "imaging/ImagingTestSupport.h"
+#include "OutputTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +11,7 @@ using qvrTest::ReadBytes;
 using qvrTest::ScratchFile;
 using Bytes = std::vector<std::uint8_t>;
 
-const EImageOutputSequence& BmpStream() {
-    return dynamic_cast<const EImageOutputSequence&>(*EImageOutputStream::Find("BMP Image stream"));
-}
+using qvrTest::BmpSequence;
 
 // The 54 header bytes of a 24-bit picture of the size, the pixel rows `rowBytes` long.
 Bytes Headers(std::uint8_t width, std::uint8_t height, std::uint8_t rowBytes) {
@@ -29,7 +26,7 @@ TEST(BMPWriter, NarrowRowsArePaddedWithSpacesBottomRowFirst) {
     const std::string path = ScratchFile("narrow.bmp");
     auto picture = MakePicture(1, 2, {0xFF112233, 0x80445566});
     EImageOutputError error;
-    ASSERT_TRUE(BmpStream().WriteImageFile(path, *picture, error));
+    ASSERT_TRUE(BmpSequence().WriteImageFile(path, *picture, error));
 
     Bytes expected = Headers(1, 2, 4);
     const Bytes pixels = {0x66, 0x55, 0x44, 0x20, 0x33, 0x22, 0x11, 0x20};
@@ -41,7 +38,7 @@ TEST(BMPWriter, RowsOfFourPixelsNeedNoPadding) {
     const std::string path = ScratchFile("four.bmp");
     auto picture = MakePicture(4, 1, {0x00010203, 0x00040506, 0x00070809, 0x000A0B0C});
     EImageOutputError error;
-    ASSERT_TRUE(BmpStream().WriteImageFile(path, *picture, error));
+    ASSERT_TRUE(BmpSequence().WriteImageFile(path, *picture, error));
 
     Bytes expected = Headers(4, 1, 12);
     const Bytes pixels = {3, 2, 1, 6, 5, 4, 9, 8, 7, 12, 11, 10};
@@ -53,7 +50,7 @@ TEST(BMPWriter, WidthTwoTakesTwoPadBytes) {
     const std::string path = ScratchFile("two.bmp");
     auto picture = MakePicture(2, 1, {0x00ABCDEF, 0x00123456});
     EImageOutputError error;
-    ASSERT_TRUE(BmpStream().WriteImageFile(path, *picture, error));
+    ASSERT_TRUE(BmpSequence().WriteImageFile(path, *picture, error));
     const Bytes bytes = ReadBytes(path);
     ASSERT_EQ(bytes.size(), 62u);
     EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 54), Headers(2, 1, 8));
@@ -66,7 +63,7 @@ TEST(BMPWriter, FileThatCannotBeOpenedFillsTheRecord) {
     std::filesystem::remove_all(directory);
     auto picture = MakePicture(1, 1, {0});
     EImageOutputError error;
-    EXPECT_FALSE(BmpStream().WriteImageFile(directory + "/x.bmp", *picture, error));
+    EXPECT_FALSE(BmpSequence().WriteImageFile(directory + "/x.bmp", *picture, error));
     EXPECT_EQ(error.Cause, FileErrorNotFound);
     EXPECT_EQ(error.OsError, ENOENT);
     EXPECT_EQ(error.Text, directory + "/x.bmp");
