@@ -7,6 +7,7 @@
 #include "foundation/ELog.h"
 #include "foundation/iDataBaseSection.h"
 #include "foundation/qvrCRegKey.h"
+#include "imaging/EImageStorage.h"
 #include "model/iFactory.h"
 #include "output/qvrCAVIStream.h"
 
@@ -61,7 +62,15 @@ EComponent aviCompressors(
         return true;
     },
     [] { qvrCAVIStream::Options::FreeCompressors(); });
-EComponent proxyConfiguration(ProxyConfiguration, Environment);
+// The proxy settings come with the program directory; at the end they are
+// stored and the proxy directory is cleaned up as they ask.
+EComponent proxyConfiguration(
+    ProxyConfiguration, Environment,
+    [] {
+        EImageStorage::Get().LoadSettings();
+        return true;
+    },
+    [] { EImageStorage::Get().OnExit(); });
 EComponent globalLog(
     GlobalLog, Environment,
     [] {
