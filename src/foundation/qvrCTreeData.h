@@ -50,7 +50,10 @@ public:
     qvrCTreeData* Find(std::string_view name) const;
     // Takes a child out; with `keep` the caller gets it, otherwise it is deleted.
     std::unique_ptr<qvrCTreeData> RemoveChild(qvrCTreeData* node, bool keep = false);
-    void RemoveAllChildren() { Children.clear(); }
+    void RemoveAllChildren() {
+        Children.clear();
+        LastFound = nullptr;
+    }
     bool IsEmpty() const { return Children.empty(); }
     size_t GetChildCount() const { return Children.size(); }
     qvrCTreeData* GetOwner() const { return Owner; }

@@ -183,6 +183,16 @@ TEST(TreeData, TypedValuesRoundTripAndBadOnesAreHandedBack) {
     EXPECT_EQ(bad, nullptr);
 }
 
+TEST(TreeData, ANodeEmptiedAndFilledAgainFindsOnlyItsNewChildren) {
+    qvrCTreeData root("Root");
+    root.CreateChild("Kept");
+    ASSERT_NE(root.Find("kept"), nullptr); // remembered as the last one found
+    root.RemoveAllChildren();
+    EXPECT_EQ(root.Find("Kept"), nullptr);
+    qvrCTreeData* again = root.CreateChild("Kept");
+    EXPECT_EQ(root.Find("kept"), again);
+}
+
 TEST(TreeData, RenameKeepsNamesUniqueAndSorted) {
     qvrCTreeData root("Root");
     qvrCTreeData* a = root.CreateChild("a");
