@@ -5,6 +5,7 @@
 #include "QvrCommand.h"
 #include "QvrSession.h"
 
+#include "foundation/EStringTable.h"
 #include "foundation/hReport.h"
 #include "foundation/qvrString.h"
 #include "model/iProject.h"
@@ -31,6 +32,7 @@ constexpr const char* Help =
     "2 when it could not start.\n";
 
 constexpr unsigned long PollMs = 100;
+constexpr EStringId TextNotConfigured = 65063;
 
 struct RenderOptions {
     std::string Project;
@@ -148,7 +150,7 @@ iSaverSetup runSetup(const isvrSaver& saver, const RenderOptions& options) {
 
 // Why the saver can't run with the setup; empty when it can.
 std::string startProblem(const isvrSaver& saver, const iSaverSetup& setup) {
-    if (!setup.IsValid()) return "The saver has not properly been configured.";
+    if (!setup.IsValid()) return EStringTable::Load(TextNotConfigured);
     if (!saver.GetFirstParent()) return "the saver has no source";
     if (!saver.GetStream()) return "the saver has no output stream";
     if (!saver.CanExecute())

@@ -136,7 +136,9 @@ void ESaverExecution::Open() {
 
 std::string ESaverExecution::LogHeader(std::time_t created) {
     char when[128] = {};
-    std::strftime(when, sizeof when, "%c", std::localtime(&created));
+    std::tm local{};
+    localtime_r(&created, &local);
+    std::strftime(when, sizeof when, "%c", &local);
     return qvrFormat("qvrTessarine isvrSaver rendering log file:\r\nLog file created: %s\n\n", when);
 }
 

@@ -42,15 +42,17 @@ std::unique_ptr<EImageData> takePicture(EImage& image) {
 // data by shared pointer, so it stays valid even if the thread is given up.
 class isvrSaverThreadRenderer::Loop {
 public:
-    Loop(const isvrSaverThreadRenderer& thread)
-        : Work(thread.Work), Index(thread.Index), Setup(thread.Setup), SharedHandle(thread.SharedHandle),
-          StopEvent(thread.StopEvent) {}
+    explicit Loop(std::shared_ptr<Context> shared)
+        : Shared(std::move(shared)), Work(*Shared->Work), Index(Shared->Index) {}
 
     void Run() {
         if (initialise()) renderFrames();
         Picture.reset();
         OwnHandle.reset();
-        Work->ThreadEnded(Index);
+        // The owner may collect the thread from here on; it then waits for the
+        // little that is left, so the finished message finds every thread ended.
+        Shared->EndedEvent.Set();
+        Work.ThreadEnded(Index);
     }
 
 private:
@@ -61,14 +63,12 @@ private:
     FrameResult renderFailed(std::uint32_t frame, const iRenderResult& result);
     bool saveFrame(std::uint32_t frame);
     // Takes the stop signal, waiting 1 ms for it.
-    bool stopRequested() { return StopEvent->Lock(StopTestMs); }
-    void report(const std::string& text, int level) { Work->Report(Index, text, level); }
+    bool stopRequested() { return Shared->StopEvent.Lock(StopTestMs); }
+    void report(const std::string& text, int level) { Work.Report(Index, text, level); }
 
-    std::shared_ptr<isvrSaverWorkData> Work;
-    unsigned Index;
-    std::shared_ptr<const EImageOutputSetup> Setup;
-    std::shared_ptr<EImageOutputHandle> SharedHandle;
-    std::shared_ptr<qvrCEvent> StopEvent;
+    const std::shared_ptr<Context> Shared;
+    isvrSaverWorkData& Work;
+    const unsigned Index;
     // A movie's output, opened by the thread that writes it.
     std::unique_ptr<EImageOutputHandle> OwnHandle;
     // The last good frame; a blank picture stands in before the first.
@@ -76,7 +76,7 @@ private:
 };
 
 bool isvrSaverThreadRenderer::Loop::initialise() {
-    const CSize size = Work->GetFrameSize();
+    const CSize size = Work.GetFrameSize();
     if (size.cx <= 0 || size.cy <= 0) {
         report("Bad size of target image(s).", isvrSaverRunWindow::LevelError);
         return false;
@@ -86,9 +86,9 @@ bool isvrSaverThreadRenderer::Loop::initialise() {
         report("Out of memory.", isvrSaverRunWindow::LevelError);
         return false;
     }
-    if (SharedHandle) return true;
-    OwnHandle = std::make_unique<EImageOutputHandle>(*Work->GetStream());
-    if (!OwnHandle->Open(Work->GetFileName(), size, Setup.get(), Work->GetRate(), Work->GetRateStep())) {
+    if (Shared->SharedHandle) return true;
+    OwnHandle = std::make_unique<EImageOutputHandle>(*Work.GetStream());
+    if (!OwnHandle->Open(Work.GetFileName(), size, Shared->Setup.get(), Work.GetRate(), Work.GetRateStep())) {
         report(qvrFormat("Failed to open stream: %s.", OwnHandle->GetLastError().Text.c_str()),
                isvrSaverRunWindow::LevelError);
         return false;
@@ -99,31 +99,31 @@ bool isvrSaverThreadRenderer::Loop::initialise() {
 void isvrSaverThreadRenderer::Loop::renderFrames() {
     std::uint32_t frame = 0;
     try {
-        while (Work->NextFrame(frame)) {
+        while (Work.NextFrame(frame)) {
             const FrameResult rendered = renderFrame(frame);
             if (rendered == FrameFatal) {
-                Work->FrameDone(Index, frame, false);
+                Work.FrameDone(Index, frame, false);
                 return;
             }
             if (stopRequested()) {
                 report("Aborted.", isvrSaverRunWindow::LevelError);
-                Work->FrameDone(Index, frame, false);
+                Work.FrameDone(Index, frame, false);
                 return;
             }
             if (rendered != FrameSkip && !saveFrame(frame)) {
-                Work->FrameDone(Index, frame, false);
+                Work.FrameDone(Index, frame, false);
                 return;
             }
             // A skipped frame counts as failed; a save that failed while
             // errors are ignored counts as done.
-            Work->FrameDone(Index, frame, rendered != FrameSkip);
+            Work.FrameDone(Index, frame, rendered != FrameSkip);
             if (stopRequested()) {
                 report("Aborted.", isvrSaverRunWindow::LevelError);
                 return;
             }
         }
     } catch (const std::exception& error) {
-        Work->FrameDone(Index, frame, false);
+        Work.FrameDone(Index, frame, false);
         report(qvrFormatMessage("Unexpected system error: %1.", {std::string(error.what())}),
                isvrSaverRunWindow::LevelError);
     }
@@ -132,10 +132,10 @@ void isvrSaverThreadRenderer::Loop::renderFrames() {
 isvrSaverThreadRenderer::FrameResult isvrSaverThreadRenderer::Loop::renderFrame(std::uint32_t frame) {
     report(qvrFormatMessage("Rendering frame %1!ld!.", {static_cast<long>(frame)}),
            isvrSaverRunWindow::LevelInformation);
-    iRenderRequest request = frameRequest(Work->GetFrameSize(), frame);
+    iRenderRequest request = frameRequest(Work.GetFrameSize(), frame);
     iRenderResult result;
     EImage image(0);
-    if (!Work->GetSaver().RenderFrame(image, result, request)) return renderFailed(frame, result);
+    if (!Work.GetSaver().RenderFrame(image, result, request)) return renderFailed(frame, result);
     std::unique_ptr<EImageData> picture = takePicture(image);
     if (!picture && !Picture) {
         report(qvrFormat("Failed to render frame %ld: Out of memory.", static_cast<long>(frame)),
@@ -153,11 +153,11 @@ isvrSaverThreadRenderer::FrameResult
 isvrSaverThreadRenderer::Loop::renderFailed(std::uint32_t frame, const iRenderResult& result) {
     const long number = static_cast<long>(frame);
     const char* message = result.Message.c_str();
-    if (Work->GetStopOnError() || result.Code < 0 || !Picture) {
+    if (Work.GetStopOnError() || result.Code < 0 || !Picture) {
         report(qvrFormat("Failed to render frame %ld: %s.", number, message), isvrSaverRunWindow::LevelError);
         return FrameFatal;
     }
-    if (!Work->GetReplaceBadFrames()) {
+    if (!Work.GetReplaceBadFrames()) {
         report(qvrFormat("Failed to render frame %ld: %s - skipping frame", number, message),
                isvrSaverRunWindow::LevelError);
         return FrameSkip;
@@ -168,16 +168,16 @@ isvrSaverThreadRenderer::Loop::renderFailed(std::uint32_t frame, const iRenderRe
 }
 
 bool isvrSaverThreadRenderer::Loop::saveFrame(std::uint32_t frame) {
-    EImageOutputHandle* handle = OwnHandle ? OwnHandle.get() : SharedHandle.get();
+    EImageOutputHandle* handle = OwnHandle ? OwnHandle.get() : Shared->SharedHandle.get();
     if (!handle || !Picture) return false;
     const long number = static_cast<long>(frame);
     report(qvrFormatMessage("Saving frame %1!ld!.", {number}), isvrSaverRunWindow::LevelInformation);
     EImageOutputError error;
     if (handle->Write(*Picture, number, &error)) return true;
     report(qvrFormatMessage("Failed to save frame %1!ld! to \"%2\": %3.",
-                            {number, Work->GetFileName(), error.Text}),
+                            {number, Work.GetFileName(), error.Text}),
            isvrSaverRunWindow::LevelError);
-    return !Work->GetStopOnError();
+    return !Work.GetStopOnError();
 }
 
 // ---------------------------------------------------------------- the thread object
@@ -185,9 +185,12 @@ bool isvrSaverThreadRenderer::Loop::saveFrame(std::uint32_t frame) {
 isvrSaverThreadRenderer::isvrSaverThreadRenderer(std::shared_ptr<isvrSaverWorkData> work, unsigned index,
                                                  std::shared_ptr<const EImageOutputSetup> setup,
                                                  std::shared_ptr<EImageOutputHandle> sharedHandle)
-    : Work(std::move(work)), Index(index), Setup(std::move(setup)), SharedHandle(std::move(sharedHandle)),
-      StopEvent(std::make_shared<qvrCEvent>(qvrCEvent::ResetMode::Auto)),
-      EndedEvent(std::make_shared<qvrCEvent>(qvrCEvent::ResetMode::Manual)) {}
+    : Shared(std::make_shared<Context>()) {
+    Shared->Work = std::move(work);
+    Shared->Index = index;
+    Shared->Setup = std::move(setup);
+    Shared->SharedHandle = std::move(sharedHandle);
+}
 
 isvrSaverThreadRenderer::~isvrSaverThreadRenderer() {
     SignalStop();
@@ -199,12 +202,10 @@ isvrSaverThreadRenderer::~isvrSaverThreadRenderer() {
 }
 
 bool isvrSaverThreadRenderer::InitThreadData() {
-    Work->ThreadStarted(Index);
+    Shared->Work->ThreadStarted(Shared->Index);
     return true;
 }
 
 void isvrSaverThreadRenderer::DoWork() {
-    const std::shared_ptr<qvrCEvent> ended = EndedEvent;
-    Loop(*this).Run();
-    ended->Set();
+    Loop(Shared).Run();
 }

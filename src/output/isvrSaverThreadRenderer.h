@@ -27,9 +27,9 @@ public:
     ~isvrSaverThreadRenderer() override;
 
     // Asks the loop to end after the frame it is working on.
-    void SignalStop() { StopEvent->Set(); }
+    void SignalStop() { Shared->StopEvent.Set(); }
     // True once the thread's run is over; waits up to `waitMs` for it.
-    bool WaitForEnd(unsigned long waitMs) { return EndedEvent->Lock(waitMs); }
+    bool WaitForEnd(unsigned long waitMs) { return Shared->EndedEvent.Lock(waitMs); }
 
     // The results of rendering one frame.
     enum FrameResult : int { FrameSkip = -1, FrameGood = 0, FrameFatal = 1 };
@@ -40,11 +40,15 @@ public:
 
 private:
     class Loop;
+    // What the thread object shares with the loop in the thread.
+    struct Context {
+        std::shared_ptr<isvrSaverWorkData> Work;
+        unsigned Index;
+        std::shared_ptr<const EImageOutputSetup> Setup;
+        std::shared_ptr<EImageOutputHandle> SharedHandle;
+        qvrCEvent StopEvent{qvrCEvent::ResetMode::Auto};
+        qvrCEvent EndedEvent{qvrCEvent::ResetMode::Manual};
+    };
 
-    std::shared_ptr<isvrSaverWorkData> Work;
-    unsigned Index;
-    std::shared_ptr<const EImageOutputSetup> Setup;
-    std::shared_ptr<EImageOutputHandle> SharedHandle;
-    std::shared_ptr<qvrCEvent> StopEvent;
-    std::shared_ptr<qvrCEvent> EndedEvent;
+    std::shared_ptr<Context> Shared;
 };

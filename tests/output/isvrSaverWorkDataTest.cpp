@@ -150,50 +150,84 @@ TEST_F(SaverRun, AMovieGetsOneThreadAndItsFramesInOrder) {
     EXPECT_EQ(MemoryStream::TheMovie().GetOpens(), 1);
 }
 
-TEST_F(SaverRun, StopOnErrorEndsTheThreadAtTheFirstBadFrame) {
-    source.FailingFrames = {2};
-    ASSERT_TRUE(start(1, 0, 5, 1, true)) << error;
-    finish();
-    EXPECT_EQ(written(), (std::set<long>{0, 1}));
-    const Counts c = counts();
-    EXPECT_EQ(c.Done, 2u);
-    EXPECT_EQ(c.Failed, 1u);
-    EXPECT_EQ(c.Remaining, 3u);
-    EXPECT_TRUE(window->HasLine("2 Failed to render frame 2: Probe failure."));
+// One thread over frames 0 to 5, so that the frames after a stop stay unrendered.
+TEST_F(SaverRun, BadFramesAreStoppedOnSkippedOrReplacedAsTheRunSays) {
+    struct PolicyCase {
+        const char* Name;
+        std::set<long> Failing;
+        long Code;
+        bool StopOnError;
+        bool Replace;
+        std::set<long> Written;
+        std::uint32_t Done, Failed, Remaining;
+        const char* Line;
+    };
+    const PolicyCase cases[] = {
+        {"stop",
+         {2},
+         render_failed,
+         true,
+         false,
+         {0, 1},
+         2,
+         1,
+         3,
+         "2 Failed to render frame 2: Probe failure."},
+        {"skip",
+         {2, 4},
+         render_failed,
+         false,
+         false,
+         {0, 1, 3, 5},
+         4,
+         2,
+         0,
+         "2 Failed to render frame 4: Probe failure - skipping frame"},
+        {"replace",
+         {0, 2},
+         render_failed,
+         false,
+         true,
+         {0, 1, 2, 3, 4, 5},
+         6,
+         0,
+         0,
+         "2 Failed to render frame 2: Probe failure - using previous frame"},
+        {"negative code",
+         {2},
+         render_out_of_memory,
+         false,
+         true,
+         {0, 1},
+         2,
+         1,
+         3,
+         "2 Failed to render frame 2: Probe failure."},
+    };
+    for (const PolicyCase& policy : cases) {
+        SCOPED_TRACE(policy.Name);
+        MemoryStream::TheSequence().Reset();
+        source.FailingFrames = policy.Failing;
+        source.FailCode = policy.Code;
+        window = std::make_shared<RecordingWindow>();
+        work = isvrSaverWorkData::Create(saver, window);
+        ASSERT_TRUE(start(1, 0, 5, 1, policy.StopOnError, policy.Replace)) << error;
+        finish();
+        EXPECT_EQ(written(), policy.Written);
+        const Counts c = counts();
+        EXPECT_EQ(c.Done, policy.Done);
+        EXPECT_EQ(c.Failed, policy.Failed);
+        EXPECT_EQ(c.Remaining, policy.Remaining);
+        EXPECT_TRUE(window->HasLine(policy.Line));
+    }
 }
 
-TEST_F(SaverRun, IgnoredErrorsSkipBadFramesAndCountThemFailed) {
-    source.FailingFrames = {2, 4};
-    ASSERT_TRUE(start(2, 0, 5)) << error;
-    finish();
-    EXPECT_EQ(written(), (std::set<long>{0, 1, 3, 5}));
-    const Counts c = counts();
-    EXPECT_EQ(c.Done, 4u);
-    EXPECT_EQ(c.Failed, 2u);
-    EXPECT_EQ(c.Remaining, 0u);
-    EXPECT_TRUE(window->HasLine("2 Failed to render frame 4: Probe failure - skipping frame"));
-}
-
-TEST_F(SaverRun, ReplacedBadFramesRepeatThePreviousPicture) {
+TEST_F(SaverRun, AReplacedFirstFrameIsBlankAndLaterOnesRepeatTheFrameBefore) {
     source.FailingFrames = {0, 2};
     ASSERT_TRUE(start(1, 0, 3, 1, false, true)) << error;
     finish();
-    EXPECT_EQ(written(), (std::set<long>{0, 1, 2, 3}));
-    EXPECT_EQ(writtenColour(0), 0u); // the blank starting picture
+    EXPECT_EQ(writtenColour(0), 0u);
     EXPECT_EQ(writtenColour(2), FrameSource::ColourOf(1));
-    EXPECT_EQ(counts().Done, 4u);
-    EXPECT_EQ(counts().Failed, 0u);
-    EXPECT_TRUE(window->HasLine("2 Failed to render frame 2: Probe failure - using previous frame"));
-}
-
-TEST_F(SaverRun, ANegativeCodeEndsTheThreadEvenWhenErrorsAreIgnored) {
-    source.FailingFrames = {2};
-    source.FailCode = render_out_of_memory;
-    ASSERT_TRUE(start(1, 0, 5, 1, false, true)) << error;
-    finish();
-    EXPECT_EQ(written(), (std::set<long>{0, 1}));
-    EXPECT_EQ(counts().Failed, 1u);
-    EXPECT_EQ(counts().Remaining, 3u);
 }
 
 TEST_F(SaverRun, ASaveFailureWithErrorsIgnoredStillCountsAsDone) {

@@ -1,5 +1,6 @@
 // Whole runs of `qvr render` on projects that the test writes first.
 
+#include "QvrProgram.h"
 #include "foundation/ScratchDirectory.h"
 
 #include "foundation/iDataBase.h"
@@ -10,34 +11,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
-#include <sys/wait.h>
 
 namespace {
 
-struct RunResult {
-    int ExitCode = -1;
-    std::string Output;
-};
-
 class QvrRenderRun : public ::testing::Test {
 protected:
-    // Runs qvr render with the scratch directory as its program directory;
-    // standard error joins the output.
-    RunResult render(const std::string& arguments) {
-        const std::string command =
-            "QVR_HOME='" + home.Path.string() + "' '" QVR_PROGRAM "' render " + arguments + " 2>&1";
-        RunResult result;
-        std::FILE* pipe = ::popen(command.c_str(), "r");
-        if (!pipe) return result;
-        char buffer[4096];
-        size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
-            result.Output.append(buffer, got);
-        const int status = ::pclose(pipe);
-        result.ExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return result;
+    QvrRunResult render(const std::string& arguments) {
+        return RunQvr(home.Path.string(), "render " + arguments);
     }
 
     // A blue layer of 32x24 and one standard saver per name in `savers`, each
@@ -80,7 +61,7 @@ protected:
 
 TEST_F(QvrRenderRun, TheOnlySaverWritesEveryFrameAndItsLog) {
     const std::string project = writeProject({"Out"});
-    const RunResult run = render("'" + project + "'");
+    const QvrRunResult run = render("'" + project + "'");
     ASSERT_EQ(run.ExitCode, 0) << run.Output;
     for (const char* name : {"Out/frame0000.bmp", "Out/frame0002.bmp", "Out/frame0004.bmp"})
         EXPECT_TRUE(exists(name)) << name;
@@ -93,7 +74,7 @@ TEST_F(QvrRenderRun, TheOnlySaverWritesEveryFrameAndItsLog) {
 
 TEST_F(QvrRenderRun, OptionsOverrideTheRangeAndTheLog) {
     const std::string project = writeProject({"A", "B"});
-    const RunResult run =
+    const QvrRunResult run =
         render("'" + project + "' --saver B --first 1 --last 3 --step 2 --threads 1 --log '" +
                home.File("mine.rlog") + "'");
     ASSERT_EQ(run.ExitCode, 0) << run.Output;
@@ -109,7 +90,7 @@ TEST_F(QvrRenderRun, AFrameThatCannotBeSavedEndsTheRunWithFailures) {
     const std::string project = writeProject({"Out"});
     // A directory in the place of a frame's file makes that frame's save fail.
     std::filesystem::create_directories(home.File("Out/frame0002.bmp"));
-    const RunResult run = render("'" + project + "' --threads 1");
+    const QvrRunResult run = render("'" + project + "' --threads 1");
     EXPECT_EQ(run.ExitCode, 1) << run.Output;
     EXPECT_NE(run.Output.find("*** Thread #01 ERROR: Failed to save frame 2 to"), std::string::npos)
         << run.Output;
@@ -123,7 +104,7 @@ TEST_F(QvrRenderRun, ARunThatCannotStartExitsWithTwo) {
     EXPECT_EQ(render("'" + project + "' --saver A --first 9 --last 3").ExitCode, 2);
     EXPECT_EQ(render("'" + project + "' --saver A --step many").ExitCode, 2);
     EXPECT_EQ(render("'" + home.File("missing.tsp") + "'").ExitCode, 2);
-    const RunResult unwritable =
+    const QvrRunResult unwritable =
         render("'" + project + "' --saver A --output '" + home.File("no/such/dir/x.bmp") + "'");
     EXPECT_EQ(unwritable.ExitCode, 2) << unwritable.Output;
     EXPECT_NE(unwritable.Output.find("Failed to start threads"), std::string::npos) << unwritable.Output;

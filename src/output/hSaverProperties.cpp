@@ -1,0 +1,128 @@
+#include "output/hSaverProperties.h"
+
+#include "foundation/EUserInterface.h"
+#include "foundation/hMessageBox.h"
+#include "foundation/qvrCTreeData.h"
+#include "foundation/qvrString.h"
+#include "model/iElementContainer.h"
+#include "output/EImageOutputStream.h"
+#include "output/isvrSaver.h"
+
+namespace {
+
+bool complain(const std::string& text) {
+    hMessageBox::Show(text, hMessageBox::OK | hMessageBox::IconExclamation, "");
+    return false;
+}
+
+} // namespace
+
+hSaverProperties::hSaverProperties(isvrSaver& saver, long frame)
+    : Stream(saver.GetStream()), FileName(saver.GetFileName()), SetupText(saver.GetStreamSetup()),
+      Saver(saver), Frame(frame) {}
+
+// ---------------------------------------------------------------- the property page
+
+bool hSaverProperties::CommitName(const std::string& text) {
+    if (text.empty()) return complain("The name cannot be empty !");
+    iElementContainer* project = Saver.GetProject();
+    const iElement* holder = project ? project->FindElement(text) : nullptr;
+    if (holder && holder != &Saver) return complain("There is already an object with that name !");
+    return Saver.SetName(text, true);
+}
+
+bool hSaverProperties::CommitSize(const std::string& text) {
+    long sides[2] = {};
+    if (!qvrTreeText::ToLongs(text, sides, 2))
+        return complain("This is not a valid size - format is WIDTH,HEIGHT.");
+    if (sides[0] < isvrSaver::MinSide || sides[1] < isvrSaver::MinSide)
+        return complain("Neither dimension should be smaller than 10.");
+    return applySize({sides[0], sides[1]});
+}
+
+bool hSaverProperties::applySize(EImageSize size) {
+    if (size == Saver.GetSize()) return true;
+    Saver.SetSize(size);
+    if (iElementContainer* project = Saver.GetProject()) project->SetChanged(true);
+    Saver.NotifyChanged(nullptr, true);
+    return true;
+}
+
+std::string hSaverProperties::GetSizeText() const {
+    const EImageSize size = Saver.GetSize();
+    return qvrFormat("%ld,%ld", size.Width, size.Height);
+}
+
+bool hSaverProperties::querySourceSize(EImageSize& size) const {
+    iElement* source = Saver.GetFirstParent();
+    iImageSizeResult answer;
+    if (!source || !source->QueryImageSize(answer, Frame)) return false;
+    size = answer.Size;
+    return true;
+}
+
+std::string hSaverProperties::GetSourceSizeText() const {
+    EImageSize size;
+    if (!querySourceSize(size)) return " --";
+    return qvrFormat(" %ld,%ld", size.Width, size.Height);
+}
+
+bool hSaverProperties::CopySourceSize() {
+    EImageSize size;
+    if (!querySourceSize(size)) return complain("Cannot detect parent's size !");
+    return applySize(size);
+}
+
+// ---------------------------------------------------------------- the output page
+
+bool hSaverProperties::needStream() {
+    return Stream || complain("Please select an output format first !");
+}
+
+bool hSaverProperties::LeaveOutputPage(bool silent) {
+    auto refuse = [silent](const char* text) { return silent ? false : complain(text); };
+    if (!Stream) return refuse("Please specify an output format !");
+    if (FileName.empty()) return refuse("Please specify a file.");
+    FileName = Stream->ForceExtension(FileName);
+    EImageOutputError error;
+    if (!EImageOutputStream::TestFile(FileName, EOutputDirectory::AsIs, &error))
+        return refuse(qvrFormat("Cannot write the file \"%s\".", FileName.c_str()).c_str());
+    Saver.SetStream(Stream);
+    Saver.SetFileName(FileName);
+    Saver.SetStreamSetup(SetupText);
+    return true;
+}
+
+std::string hSaverProperties::GetBrowseFilter() {
+    if (!needStream()) return {};
+    return qvrFormatMessage("%1 files (*.%2)|*.%2|All files (*.*)|*.*|||",
+                            {std::string(Stream->GetName()), std::string(Stream->GetExtension())});
+}
+
+bool hSaverProperties::BrowseFile() {
+    const std::string filter = GetBrowseFilter();
+    if (filter.empty()) return false;
+    EFileDialogRequest request;
+    request.ProposedPath = FileName;
+    request.DefaultExtension = Stream->GetExtension();
+    request.Filter = filter;
+    const std::optional<std::string> chosen = EUserInterface::Get().AskFile(request);
+    if (!chosen) return false;
+    FileName = *chosen;
+    return true;
+}
+
+bool hSaverProperties::EditSetup(void* parentWindow) {
+    if (!needStream() || !Stream->UsesSetup()) return false;
+    std::unique_ptr<EImageOutputSetup> setup = Stream->CreateSetup();
+    if (!setup) return false;
+    setup->SetSetupString(SetupText);
+    std::string problem;
+    if (!setup->Edit(parentWindow, problem)) {
+        if (!problem.empty())
+            complain(qvrFormat("Failed to open configuration dialog:\n%s.", problem.c_str()));
+        return false;
+    }
+    SetupText = setup->GetSetupString();
+    return true;
+}
