@@ -167,7 +167,9 @@ private:
 
     static Halves split(std::int32_t entry) {
         const auto low = static_cast<std::int16_t>(entry & 0xFFFF);
-        const auto high = static_cast<std::int16_t>(((entry - low) >> 16) & 0xFFFF);
+        // The difference is a multiple of 2^16, so its upper bits are the high half.
+        const auto high = static_cast<std::int16_t>(
+            (static_cast<std::uint32_t>(entry) - static_cast<std::uint32_t>(std::int32_t{low})) >> 16);
         return {low, high};
     }
 
