@@ -10,7 +10,6 @@
 #include "imaging/EImageFileFormat.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 

@@ -8,7 +8,7 @@
 // it is next locked.
 //
 // Safe from every thread. One critical section guards the list; it is taken
-// after a holder's own section, never before, and waits for it end after
+// after a holder's own section, never before, and a wait for it lasts at most
 // 10000 ms. Eviction runs under the list's section only: a listed holder is
 // not locked by anybody, and a thread that locks it must take the list's
 // section to take it out of the list. Failures are results and log entries;
