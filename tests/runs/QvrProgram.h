@@ -1,7 +1,6 @@
 #pragma once
 // Runs the qvr program for a whole-run test, with a scratch directory as its
-// program directory, and collects its exit code and everything it printed
-// (standard error joins the output).
+// program directory, and collects its exit code and everything it printed.
 
 #include <cstdio>
 #include <string>
@@ -12,8 +11,9 @@ struct QvrRunResult {
     std::string Output;
 };
 
-inline QvrRunResult RunQvr(const std::string& home, const std::string& arguments) {
-    const std::string command = "QVR_HOME='" + home + "' '" QVR_PROGRAM "' " + arguments + " 2>&1";
+// Runs a shell command line; its standard error joins the output.
+inline QvrRunResult RunShell(const std::string& commandLine) {
+    const std::string command = "(" + commandLine + ") 2>&1";
     QvrRunResult result;
     std::FILE* pipe = ::popen(command.c_str(), "r");
     if (!pipe) return result;
@@ -24,4 +24,8 @@ inline QvrRunResult RunQvr(const std::string& home, const std::string& arguments
     const int status = ::pclose(pipe);
     result.ExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return result;
+}
+
+inline QvrRunResult RunQvr(const std::string& home, const std::string& arguments) {
+    return RunShell("QVR_HOME='" + home + "' '" QVR_PROGRAM "' " + arguments);
 }

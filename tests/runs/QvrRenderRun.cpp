@@ -24,7 +24,7 @@ protected:
     // A blue layer of 32x24 and one standard saver per name in `savers`, each
     // writing BMP files of 16x12 under its own name, frames 0 to 4, with the log
     // in the scratch directory.
-    std::string writeProject(const std::vector<std::string>& savers) {
+    std::string writeProject(const std::vector<std::string>& savers, std::uint32_t lastFrame = 4) {
         iProject& project = iProject::GetStandard();
         project.Clear();
         auto* layer = static_cast<isrcLayer*>(project.Adopt(std::make_unique<isrcLayer>("Blue")));
@@ -38,7 +38,7 @@ protected:
             saver->SetStream(EImageOutputStream::Find("BMP Image stream"));
             saver->SetFileName(home.File(name + "/frame.bmp"));
             saver->SetSize({16, 12});
-            saver->GetSetup().VideoEnd = 4;
+            saver->GetSetup().VideoEnd = lastFrame;
             saver->GetSetup().MiscThreadCnt = 2;
             saver->GetSetup().ErrorsIgnore = false;
             saver->GetSetup().LogFile = home.File(name + ".rlog");
@@ -108,4 +108,18 @@ TEST_F(QvrRenderRun, ARunThatCannotStartExitsWithTwo) {
         render("'" + project + "' --saver A --output '" + home.File("no/such/dir/x.bmp") + "'");
     EXPECT_EQ(unwritable.ExitCode, 2) << unwritable.Output;
     EXPECT_NE(unwritable.Output.find("Failed to start threads"), std::string::npos) << unwritable.Output;
+}
+
+TEST_F(QvrRenderRun, AnInterruptStopsTheRunAndExitsWithOne) {
+    const std::string project = writeProject({"Out"}, 1000000);
+    const std::string log = home.File("Out.rlog");
+    // The interrupt goes out once the run has logged its first frame, so the
+    // handler is in place; the shell's own job waits for the program.
+    const QvrRunResult run = RunShell(
+        "QVR_HOME='" + home.Path.string() + "' '" QVR_PROGRAM "' render '" + project +
+        "' --threads 1 & program=$!; until grep -q 'Saving frame' '" + log +
+        "' 2>/dev/null || ! kill -0 $program; do sleep 0.05; done; kill -INT $program; wait $program");
+    EXPECT_EQ(run.ExitCode, 1) << run.Output;
+    EXPECT_NE(run.Output.find("Aborted."), std::string::npos) << run.Output;
+    EXPECT_NE(ScratchDirectory::ReadAll(log).find("*** Thread #01 ERROR: Aborted.\r\n"), std::string::npos);
 }
