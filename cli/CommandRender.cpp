@@ -13,6 +13,7 @@
 #include "output/isvrSaver.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <optional>
@@ -216,13 +217,13 @@ private:
 // Drives the run until it is over: messages as they come, the figures once a
 // second, and the interrupts as the abort and close buttons.
 void driveRun(ESaverExecution& run, TerminalView& view) {
+    using Clock = std::chrono::steady_clock;
     int handled = 0;
-    unsigned long sinceTimer = 0;
+    Clock::time_point nextTick = Clock::now() + std::chrono::milliseconds(ESaverExecution::TimerMs);
     while (run.GetState() != ESaverExecution::StateOver) {
         if (run.Wait(PollMs)) run.DispatchMessages();
-        sinceTimer += PollMs;
-        if (sinceTimer >= ESaverExecution::TimerMs) {
-            sinceTimer = 0;
+        if (Clock::now() >= nextTick) {
+            nextTick += std::chrono::milliseconds(ESaverExecution::TimerMs);
             run.OnTimer();
             view.ShowProgress(run);
         }
