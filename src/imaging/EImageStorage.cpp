@@ -545,7 +545,7 @@ void EImageStorage::LoadSettings() {
     settings.Read(key);
     RepairProxyDirectory();
     // The repairs are stored at once, so that they last.
-    settings.Write(key);
+    SaveSettings();
 }
 
 void EImageStorage::SaveSettings() {
