@@ -9,6 +9,7 @@
 #include "foundation/qvrCRegKey.h"
 #include "imaging/EImageStorage.h"
 #include "model/iFactory.h"
+#include "objects/imodMatrixEffectLibrary.h"
 #include "output/qvrCAVIStream.h"
 
 #include <functional>
@@ -103,7 +104,9 @@ EComponent componentLibrary(
         return true;
     },
     [] { iFactoryProducerType::GlobalRem(); });
-EComponent matrixEffects(MatrixEffects, 0, {}, {}, [] { return 0u; });
+// The effects arrive with the preferences; at exit every loaded one goes.
+EComponent matrixEffects(
+    MatrixEffects, 0, {}, [] { imodMatrixEffectLibrary::Get().DeleteAll(); }, [] { return 0u; });
 EComponent oleDataFormats(OleDataFormats, 0);
 EComponent vitreaCalibrationFilter(VitreaSaver, 0);
 EComponent vitreaMetricsFilter(VitreaSaver, 0);
