@@ -1,40 +1,18 @@
-#include "objects/isrcLayer.h"
+#include "ProbeSource.h"
+
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 #include "model/iFactory.h"
+#include "objects/isrcLayer.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-struct Rendered {
-    bool Done = false;
-    iRenderResult Result;
-    CSize Size{-1, -1};
-    std::vector<std::uint32_t> Pixels;
-};
-
 Rendered RenderLayer(isrcLayer& layer, const CRect& rect, EImageSize display, bool fullSize, long frame = 0) {
-    EImage image(0);
-    iRenderRequest request;
-    request.ImageSize = layer.GetSize(frame);
-    request.Rect = rect;
-    request.DisplaySize = display;
-    request.FullSize = fullSize;
-    request.Frame = frame;
-    Rendered rendered;
-    rendered.Done = layer.Render(image, rendered.Result, request);
-    EImageLock lock(image);
-    if (lock.Lock(-1) && lock.GetData()) {
-        const EImageData& picture = *lock.GetData();
-        rendered.Size = picture.GetSize();
-        for (long y = 0; y < picture.GetHeight(); ++y)
-            rendered.Pixels.insert(rendered.Pixels.end(), picture.GetRow(y),
-                                   picture.GetRow(y) + picture.GetWidth());
-    }
-    return rendered;
+    return RenderElement(layer, rect, display, fullSize, frame);
 }
 
 bool AllPixelsAre(const Rendered& rendered, std::uint32_t colour) {
