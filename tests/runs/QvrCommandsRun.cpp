@@ -1,5 +1,6 @@
 // Whole runs of the qvr program on projects that the test writes first.
 
+#include "QvrProgram.h"
 #include "foundation/ScratchDirectory.h"
 
 #include "foundation/iDataBase.h"
@@ -10,36 +11,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <iterator>
-#include <sys/wait.h>
 
 namespace {
 
-struct RunResult {
-    int ExitCode = -1;
-    std::string Output;
-};
-
 class QvrRun : public ::testing::Test {
 protected:
-    // Runs qvr with the scratch directory as its program directory; standard
-    // error joins the output.
-    RunResult run(const std::string& arguments) {
-        std::string command =
-            "QVR_HOME='" + home.Path.string() + "' '" QVR_PROGRAM "' " + arguments + " 2>&1";
-        RunResult result;
-        std::FILE* pipe = ::popen(command.c_str(), "r");
-        if (!pipe) return result;
-        char buffer[4096];
-        size_t got;
-        while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
-            result.Output.append(buffer, got);
-        int status = ::pclose(pipe);
-        result.ExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        return result;
-    }
+    QvrRunResult run(const std::string& arguments) { return RunQvr(home.Path.string(), arguments); }
 
     // A project with one red half-transparent solid layer of 64x48.
     std::string writeLayerProject() {
@@ -65,7 +44,7 @@ protected:
 } // namespace
 
 TEST_F(QvrRun, VersionAndHelpNameTheProgram) {
-    RunResult version = run("--version");
+    QvrRunResult version = run("--version");
     EXPECT_EQ(version.ExitCode, 0);
     EXPECT_EQ(version.Output.rfind("qvrTessarine ", 0), 0u);
     EXPECT_EQ(run("--help").ExitCode, 0);
@@ -74,7 +53,7 @@ TEST_F(QvrRun, VersionAndHelpNameTheProgram) {
 
 TEST_F(QvrRun, InfoListsTheElementsOfAProject) {
     const std::string project = writeLayerProject();
-    RunResult json = run("info '" + project + "' --json");
+    QvrRunResult json = run("info '" + project + "' --json");
     EXPECT_EQ(json.ExitCode, 0) << json.Output;
     EXPECT_NE(json.Output.find("\"name\":\"Red\",\"class\":\"Loader\",\"type\":\"Solid\""), std::string::npos)
         << json.Output;
@@ -85,7 +64,7 @@ TEST_F(QvrRun, InfoListsTheElementsOfAProject) {
 TEST_F(QvrRun, FrameRendersAPreviewIntoAQuickFile) {
     const std::string project = writeLayerProject();
     const std::string output = home.File("red.qts");
-    RunResult frame = run("frame '" + project + "' Red 0 -o '" + output + "' --display 16,12");
+    QvrRunResult frame = run("frame '" + project + "' Red 0 -o '" + output + "' --display 16,12");
     ASSERT_EQ(frame.ExitCode, 0) << frame.Output;
     EImageFileResult result;
     std::unique_ptr<EImageData> picture = EImageFileFormat::Load(output, CRect{0, 0, 16, 12}, result);
@@ -106,7 +85,7 @@ TEST_F(QvrRun, FrameRefusesBadRequests) {
 TEST_F(QvrRun, FrameAndConvertWriteBmpFiles) {
     const std::string project = writeLayerProject();
     const std::string bmp = home.File("red.bmp");
-    RunResult frame = run("frame '" + project + "' Red 0 -o '" + bmp + "' --display 16,12");
+    QvrRunResult frame = run("frame '" + project + "' Red 0 -o '" + bmp + "' --display 16,12");
     ASSERT_EQ(frame.ExitCode, 0) << frame.Output;
     std::ifstream written(bmp, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(written), std::istreambuf_iterator<char>()};
@@ -117,7 +96,7 @@ TEST_F(QvrRun, FrameAndConvertWriteBmpFiles) {
     const std::string quick = home.File("red.qts");
     ASSERT_EQ(run("frame '" + project + "' Red 0 -o '" + quick + "' --display 16,12").ExitCode, 0);
     const std::string converted = home.File("converted.bmp");
-    RunResult convert = run("convert '" + quick + "' '" + converted + "'");
+    QvrRunResult convert = run("convert '" + quick + "' '" + converted + "'");
     ASSERT_EQ(convert.ExitCode, 0) << convert.Output;
     std::ifstream again(converted, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(again), std::istreambuf_iterator<char>()), bytes);
