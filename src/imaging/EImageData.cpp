@@ -8,6 +8,7 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
+#include <malloc.h>
 #include <new>
 #include <vector>
 
@@ -20,6 +21,17 @@ namespace {
 // Bytes a picture of the size needs beyond its pixels: header, palette and row table.
 constexpr long PictureOverhead = 1056;
 constexpr int ExpTableLast = 10000;
+
+// Pictures are large and come and go with every frame. The C library would map
+// each one freshly and hand it back on free, so that every new picture faults
+// in zeroed pages again; pictures up to this size are kept in the heap instead
+// and their memory is reused, by every render thread's arena.
+constexpr int PictureMemoryKeptUpTo = 64 * 1024 * 1024;
+constexpr int HeapKeptUpTo = 512 * 1024 * 1024;
+
+[[maybe_unused]] const bool pictureMemoryKept = [] {
+    return ::mallopt(M_MMAP_THRESHOLD, PictureMemoryKeptUpTo) == 1 && ::mallopt(M_TRIM_THRESHOLD, HeapKeptUpTo) == 1;
+}();
 
 using ExpTable = std::array<double, ExpTableLast + 1>;
 

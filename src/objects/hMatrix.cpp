@@ -129,6 +129,8 @@ public:
                 LowWeights[pair][column] = weights(upper.low, lower.low);
                 HighWeights[pair][column] = weights(upper.high, lower.high);
                 HasHighHalves = HasHighHalves || upper.high != 0 || lower.high != 0;
+                if (upper.low != 0 || upper.high != 0 || lower.low != 0 || lower.high != 0)
+                    Used.Take(pair, column);
             }
         for (RowPair& pair : Cache)
             pair.Lanes.resize(static_cast<size_t>(Width + 2 * Reach));
@@ -154,6 +156,21 @@ private:
     struct Halves {
         std::int16_t low = 0;
         std::int16_t high = 0;
+    };
+    // The row pairs and columns of the kernel that hold entries other than 0;
+    // empty (first after last) for a kernel of zeros.
+    struct UsedPart {
+        int FirstPair = Pairs;
+        int LastPair = -1;
+        int FirstColumn = hMatrix::Side;
+        int LastColumn = -1;
+
+        void Take(int pair, int column) {
+            FirstPair = std::min(FirstPair, pair);
+            LastPair = std::max(LastPair, pair);
+            FirstColumn = std::min(FirstColumn, column);
+            LastColumn = std::max(LastColumn, column);
+        }
     };
     struct PixelLanes {
         __m128i Value;
@@ -238,14 +255,13 @@ private:
     }
 
     // The weighted sums of the row's pixels.
+    // Entries of 0 add nothing, so only the pairs and columns that hold others are weighed.
     template <bool WithHighHalves> void sumRow(const PixelLanes* const* pairs) {
         for (long x = 0; x < Width; ++x) {
             __m128i low = _mm_setzero_si128();
             __m128i high = _mm_setzero_si128();
-#pragma GCC unroll 3
-            for (int pair = 0; pair < Pairs; ++pair)
-#pragma GCC unroll 5
-                for (int column = 0; column < hMatrix::Side; ++column) {
+            for (int pair = Used.FirstPair; pair <= Used.LastPair; ++pair)
+                for (int column = Used.FirstColumn; column <= Used.LastColumn; ++column) {
                     const __m128i lanes = pairs[pair][x + column].Value;
                     low = _mm_add_epi32(low, _mm_madd_epi16(lanes, LowWeights[pair][column]));
                     if constexpr (WithHighHalves)
@@ -261,6 +277,7 @@ private:
     __m128i LowWeights[Pairs][hMatrix::Side];
     __m128i HighWeights[Pairs][hMatrix::Side];
     bool HasHighHalves = false;
+    UsedPart Used;
     // The row pairs of the rows around the present one: the first rows y - 2, y and y + 2.
     std::array<RowPair, 6> Cache;
     std::vector<PixelLanes> Sums;

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -99,6 +101,22 @@ TEST(hMatrix, FastFilterGivesTheReferenceBytes) {
             const auto source = Picture(size, [&](long x, long y) { return Noise(x + divisor, y); });
             EXPECT_EQ(PixelsOf(matrix.Apply(*source)), PixelsOf(matrix.ApplyReference(*source)))
                 << "range " << range << ", divisor " << divisor << ", " << size.cx << "x" << size.cy;
+        }
+    }
+}
+
+TEST(hMatrix, FastFilterOfKernelsWithZeroRowsAndColumnsGivesTheReferenceBytes) {
+    // Entries at single corners and edges, a 3x3 sharpening kernel, a kernel of zeros.
+    const std::vector<std::vector<std::pair<int, int>>> placements = {
+        {{0, 0}}, {{4, 4}}, {{4, 0}, {0, 3}}, {{2, 1}, {1, 2}, {2, 2}, {3, 2}, {2, 3}}, {}};
+    for (const auto& placement : placements) {
+        hMatrix matrix;
+        matrix.SetEntry(2, 2, 0);
+        for (auto [x, y] : placement) matrix.SetEntry(x, y, x == 2 && y == 2 ? 5 * hMatrix::One : -hMatrix::One - x);
+        for (CSize size : testSizes) {
+            const auto source = Picture(size, Noise);
+            EXPECT_EQ(PixelsOf(matrix.Apply(*source)), PixelsOf(matrix.ApplyReference(*source)))
+                << placement.size() << " entries, " << size.cx << "x" << size.cy;
         }
     }
 }
