@@ -34,6 +34,7 @@ struct EFileDialogRequest {
     std::string DefaultExtension;
     std::string Filter;
     bool Save = true;
+    std::string Title; // empty: the dialog's own title
 };
 
 class EUserInterface {
