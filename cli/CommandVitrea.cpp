@@ -90,12 +90,6 @@ std::string parseOptions(const QvrCommand::Arguments& arguments, const std::vect
 
 constexpr EStringId TextBadResolution = 65047;
 
-bool parseResolution(const std::string& text, LMetrics& metrics) {
-    const std::vector<std::string> parts = qvrSplit(text, ',');
-    return parts.size() == 2 && qvrParseDouble(qvrTrim(parts[0]), metrics.ResolutionX) &&
-           qvrParseDouble(qvrTrim(parts[1]), metrics.ResolutionY);
-}
-
 int runMetrics(const QvrCommand::Arguments& arguments) {
     const std::vector<std::pair<std::string, long LMetricsQuickSetup::*>> numbers = {
         {"--dx", &LMetricsQuickSetup::dx}, {"--dy", &LMetricsQuickSetup::dy},
@@ -116,7 +110,7 @@ int runMetrics(const QvrCommand::Arguments& arguments) {
         if (options.Has(name) && !qvrParseLong(options.Values[name], setup.*value))
             return usage(name + " wants a whole number, not \"" + options.Values[name] + "\"");
     LMetrics metrics;
-    if (options.Has("--resolution") && !parseResolution(options.Values["--resolution"], metrics))
+    if (options.Has("--resolution") && !metrics.ParseResolution(options.Values["--resolution"]))
         return refuse(options.Output, EStringTable::Load(TextBadResolution));
     for (auto fault = setup.Check(); fault != LMetricsQuickSetup::Fault::None; fault = setup.Check()) {
         if (!options.Has("--fix"))

@@ -77,7 +77,7 @@ std::string LCalibration::FormatCorners(const LCorners& corners) {
 
 bool LCalibration::ParseCorners(std::string_view text, LCorners& corners) {
     long numbers[8] = {};
-    if (!parseNumbers(text, ';', numbers, 8)) return false;
+    if (!ParseNumbers(text, ';', numbers, 8)) return false;
     for (std::size_t corner = 0; corner < corners.size(); ++corner)
         corners[corner] = {numbers[2 * corner], numbers[2 * corner + 1]};
     return true;

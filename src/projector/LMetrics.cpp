@@ -88,8 +88,19 @@ std::string LMetrics::FormatWindow(const CRect& window) {
 
 bool LMetrics::ParseWindow(std::string_view text, CRect& window) {
     long edges[4] = {};
-    if (!parseNumbers(text, ';', edges, 4)) return false;
+    if (!ParseNumbers(text, ';', edges, 4)) return false;
     window = {edges[0], edges[1], edges[2], edges[3]};
+    return true;
+}
+
+bool LMetrics::ParseResolution(std::string_view text) {
+    const std::vector<std::string> parts = qvrSplit(text, ',');
+    double x = 0.0;
+    double y = 0.0;
+    if (parts.size() != 2 || !qvrParseDouble(qvrTrim(parts[0]), x) || !qvrParseDouble(qvrTrim(parts[1]), y))
+        return false;
+    ResolutionX = x;
+    ResolutionY = y;
     return true;
 }
 

@@ -57,6 +57,9 @@ public:
     static std::string FormatWindow(const CRect& window);
     // Reads four numbers separated by ";"; false, with `window` unchanged, unless all four parse.
     static bool ParseWindow(std::string_view text, CRect& window);
+    // Reads the resolution as "XVAL, YVAL"; false, with the resolution
+    // unchanged, unless both parse.
+    bool ParseResolution(std::string_view text);
 
     std::array<CRect, ProjectorCount> Windows{};
     // Derived, not stored.

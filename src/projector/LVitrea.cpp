@@ -57,7 +57,7 @@ bool LVitrea::splitIndexed(std::string_view value, std::size_t& index, std::stri
     return true;
 }
 
-bool LVitrea::parseNumbers(std::string_view text, char separator, long* values, std::size_t count) {
+bool LVitrea::ParseNumbers(std::string_view text, char separator, long* values, std::size_t count) {
     const std::vector<std::string> parts = qvrSplit(text, separator);
     if (parts.size() != count) return false;
     for (std::size_t i = 0; i < count; ++i)

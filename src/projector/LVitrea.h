@@ -32,6 +32,10 @@ public:
     // Writes the object's own block into `section`.
     virtual void Save(qvrCTreeData& section) const = 0;
 
+    // Reads exactly `count` numbers separated by `separator`, blanks allowed
+    // around each; false when any of them doesn't parse.
+    static bool ParseNumbers(std::string_view text, char separator, long* values, std::size_t count);
+
 protected:
     // Called with trimmed key and value of every line that holds a "=".
     using EntryReader = std::function<void(std::string_view key, std::string_view value)>;
@@ -48,9 +52,6 @@ protected:
     static std::string indexedLine(const char* key, std::size_t index, const std::string& data);
     // Splits "NN: DATA" at the first ":"; false unless the index is a number below ProjectorCount.
     static bool splitIndexed(std::string_view value, std::size_t& index, std::string_view& data);
-    // Reads exactly `count` numbers separated by `separator`, each with blanks
-    // around it; false when any of them doesn't parse.
-    static bool parseNumbers(std::string_view text, char separator, long* values, std::size_t count);
 
     // Doubles in project blocks: the shortest text that reads back the same.
     static std::string formatDouble(double value);
