@@ -86,27 +86,20 @@ TEST_F(OutputDefinitionFile, IncompleteDefinitionsAreRefusedBeforeWriting) {
     const std::string path = scratch.File("bad.vtfl");
     std::string problem;
     LOutputFiles outputs = sampleOutputs();
+    outputs.ProjectorFiles[17].clear();
     outputs.ProjectorFiles[9].clear();
+    long incomplete = 99;
+    EXPECT_FALSE(outputs.IsComplete(incomplete));
+    EXPECT_EQ(incomplete, 9);
     EXPECT_FALSE(outputs.SaveToFile(path, problem));
     EXPECT_EQ(problem, "Error verifying output FileName #10:\n\nYou cannot leave it empty.");
     outputs.StreamType = "Laser stream";
+    EXPECT_FALSE(outputs.IsComplete(incomplete));
+    EXPECT_EQ(incomplete, -1) << "the stream is at fault";
     EXPECT_FALSE(outputs.SaveToFile(path, problem));
     EXPECT_EQ(problem, "The format \"Laser stream\" is not known to this version of qvrTessarine.\nContact "
                        "nevora works for an update.");
     EXPECT_FALSE(std::filesystem::exists(path));
-}
-
-TEST(OutputFiles, CompletenessNamesTheFirstEmptyFileOrTheStream) {
-    LOutputFiles outputs = sampleOutputs();
-    long incomplete = 99;
-    EXPECT_TRUE(outputs.IsComplete(incomplete));
-    outputs.ProjectorFiles[17].clear();
-    outputs.ProjectorFiles[5].clear();
-    EXPECT_FALSE(outputs.IsComplete(incomplete));
-    EXPECT_EQ(incomplete, 5);
-    outputs.StreamType.clear();
-    EXPECT_FALSE(outputs.IsComplete(incomplete));
-    EXPECT_EQ(incomplete, -1);
 }
 
 TEST(OutputFiles, OutputNamesJoinDirectoryAndFileWithTheStreamsExtension) {
