@@ -128,6 +128,12 @@ bool qvrParseLong(std::string_view text, long& value) { return parseWhole(text, 
 
 bool qvrParseDouble(std::string_view text, double& value) { return parseWhole(text, value); }
 
+std::string qvrFormatDouble(double value) {
+    char buffer[32];
+    char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+    return std::string(buffer, end);
+}
+
 std::vector<std::string> qvrSplit(std::string_view text, char separator) {
     std::vector<std::string> parts;
     size_t start = 0;

@@ -36,6 +36,8 @@ std::string_view qvrTrim(std::string_view text);
 bool qvrParseLong(std::string_view text, long& value);
 // The whole text must be a number in the C locale.
 bool qvrParseDouble(std::string_view text, double& value);
+// The shortest text that qvrParseDouble reads back as the same double.
+std::string qvrFormatDouble(double value);
 
 // Splits at every occurrence of the separator; an empty text gives one empty part.
 std::vector<std::string> qvrSplit(std::string_view text, char separator);
