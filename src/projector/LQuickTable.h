@@ -18,6 +18,11 @@
 class EImageData;
 class qvrCEvent;
 
+// The forms of the resampling loop. Plain is the definition, readable and
+// portable; the others use the vector units of newer processors and give the
+// same bytes.
+enum class LResampleLoop { Plain, Avx2, Avx512 };
+
 class LQuickRow {
 public:
     // Maps the target row `row` of `width` pixels. False, with the row left
@@ -63,7 +68,12 @@ public:
     // the table was built for. False when the stop event was found set (the
     // target is then partly written) or the source has another size (nothing
     // is written).
+    // The fastest loop of the processor does the work.
     bool Resample(const EImageData& source, EImageData& target, const qvrCEvent* stop) const;
+    // The same with a loop of choice; false for a loop the processor lacks.
+    bool Resample(const EImageData& source, EImageData& target, const qvrCEvent* stop,
+                  LResampleLoop loop) const;
+    static bool IsAvailable(LResampleLoop loop);
 
 private:
     // Scans the rows from `from` toward `to` (inclusive) for the first that

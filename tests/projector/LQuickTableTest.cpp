@@ -166,3 +166,25 @@ TEST(LQuickTable, ResamplingRefusesAForeignSourceAndStopsOnTheEvent) {
     stop.Set();
     EXPECT_FALSE(table.Resample(*filled({5, 5}, 0), *target, &stop));
 }
+
+TEST(LQuickTable, EveryResamplingLoopGivesTheBytesOfThePlainOne) {
+    // Every filter, a slanted patch that reaches the source's edges, and noise in all four bytes.
+    const LCorners corners = {CPoint{3, 5}, CPoint{90, 1}, CPoint{84, 70}, CPoint{6, 61}};
+    const CSize sourceSize{37, 29};
+    auto source = qvrTest::MakeNoise(sourceSize.cx, sourceSize.cy, 11);
+    for (std::int32_t mode = LProjection::FilterSquare; mode <= LProjection::FilterNearest; ++mode)
+        for (double level : {0.3, 2.0, 9.0}) {
+            LQuickTable table;
+            ASSERT_EQ(table.Build(prepared(corners, sourceSize, mode, level), {96, 72}, nullptr),
+                      LQuickTable::BuildDone);
+            auto plain = filled({96, 72}, Untouched);
+            ASSERT_TRUE(table.Resample(*source, *plain, nullptr, LResampleLoop::Plain));
+            for (LResampleLoop loop : {LResampleLoop::Avx2, LResampleLoop::Avx512}) {
+                if (!LQuickTable::IsAvailable(loop)) continue;
+                auto fast = filled({96, 72}, Untouched);
+                ASSERT_TRUE(table.Resample(*source, *fast, nullptr, loop));
+                EXPECT_EQ(qvrTest::PixelsOf(*fast), qvrTest::PixelsOf(*plain))
+                    << "loop " << static_cast<int>(loop) << ", mode " << mode << ", level " << level;
+            }
+        }
+}
