@@ -5,6 +5,7 @@
 #include "imaging/EBinaryFile.h"
 #include "imaging/EImageData.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <vector>
@@ -14,6 +15,7 @@ namespace {
 constexpr std::uint32_t fileHeaderSize = 14;
 constexpr std::uint32_t infoHeaderSize = 40;
 constexpr std::uint8_t padByte = 0x20;
+constexpr size_t WriteBlockSize = 1 << 20;
 
 // Appends a little-endian value of `count` bytes.
 void put(std::vector<std::uint8_t>& bytes, std::uint32_t value, int count) {
@@ -53,13 +55,21 @@ void writeBitmap(EBinaryFile& file, const EImageData& image) {
     const std::vector<std::uint8_t> head = headers(image, static_cast<std::uint32_t>(width * 3 + padding));
     file.Write(head.data(), head.size());
 
-    std::vector<std::uint8_t> row(width * 3 + padding, padByte);
+    // Rows go out in blocks of about a megabyte rather than one by one.
+    const size_t rowSize = width * 3 + padding;
+    const size_t rowsPerBlock = std::max<size_t>(1, WriteBlockSize / std::max<size_t>(rowSize, 1));
+    std::vector<std::uint8_t> block(rowSize * rowsPerBlock, padByte);
+    size_t rowsInBlock = 0;
     for (long y = image.GetHeight() - 1; y >= 0; --y) {
         const auto* pixel = reinterpret_cast<const std::uint8_t*>(image.GetRow(y));
+        std::uint8_t* row = block.data() + rowsInBlock * rowSize;
         for (size_t x = 0; x < width; ++x)
             for (size_t byte = 0; byte < 3; ++byte)
                 row[x * 3 + byte] = pixel[x * 4 + byte];
-        file.Write(row.data(), row.size());
+        if (++rowsInBlock == rowsPerBlock || y == 0) {
+            file.Write(block.data(), rowsInBlock * rowSize);
+            rowsInBlock = 0;
+        }
     }
 }
 

@@ -58,6 +58,33 @@ TEST(BMPWriter, WidthTwoTakesTwoPadBytes) {
               (Bytes{0xEF, 0xCD, 0xAB, 0x56, 0x34, 0x12, 0x20, 0x20}));
 }
 
+TEST(BMPWriter, ATallPictureKeepsEveryRowInItsPlace) {
+    // 1001 pixels make rows of 3003 bytes and a pad byte; 700 rows are more than one write's worth.
+    const long width = 1001;
+    const long height = 700;
+    std::vector<std::uint32_t> words(static_cast<size_t>(width * height));
+    for (size_t i = 0; i < words.size(); ++i) words[i] = static_cast<std::uint32_t>(i * 2654435761u);
+    const std::string path = ScratchFile("tall.bmp");
+    EImageOutputError error;
+    ASSERT_TRUE(BmpSequence().WriteImageFile(path, *MakePicture(width, height, words), error));
+
+    const Bytes bytes = ReadBytes(path);
+    const size_t rowBytes = 3004;
+    ASSERT_EQ(bytes.size(), 54 + rowBytes * height);
+    for (long y : {0L, 1L, 348L, 349L, 350L, 698L, 699L}) {
+        const size_t row = 54 + static_cast<size_t>(height - 1 - y) * rowBytes;
+        for (long x : {0L, 1000L}) {
+            const std::uint32_t word = words[static_cast<size_t>(y * width + x)];
+            const size_t at = row + static_cast<size_t>(x) * 3;
+            EXPECT_EQ(Bytes(bytes.begin() + at, bytes.begin() + at + 3),
+                      (Bytes{static_cast<std::uint8_t>(word), static_cast<std::uint8_t>(word >> 8),
+                             static_cast<std::uint8_t>(word >> 16)}))
+                << x << "," << y;
+        }
+        EXPECT_EQ(bytes[row + rowBytes - 1], 0x20) << y;
+    }
+}
+
 TEST(BMPWriter, FileThatCannotBeOpenedFillsTheRecord) {
     const std::string directory = ScratchFile("bmp-missing-dir");
     std::filesystem::remove_all(directory);
