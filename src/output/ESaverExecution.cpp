@@ -20,7 +20,6 @@
 
 namespace {
 
-constexpr const char* SettingsKey = "Dialogs\\Renderer\\Saver";
 constexpr const char* WarningsOnlyValue = "WarningsOnly";
 
 std::string errorText(int error) {
@@ -34,19 +33,21 @@ std::string errorText(int error) {
 // has to be given up still has a place to post to.
 class ESaverExecution::Mailbox : public isvrSaverRunWindow {
 public:
+    explicit Mailbox(const char* subject) : Subject(subject) {}
+
     void PostMessage(Message message) override { post(message); }
 
     void Report(unsigned index, const std::string& text, int level) override {
         const long number = static_cast<long>(index) + 1;
         std::string line;
         if (level == LevelWarning)
-            line = qvrFormat("Thread #%02ld Warning: %s", number, text.c_str());
+            line = qvrFormat("%s #%02ld Warning: %s", Subject, number, text.c_str());
         else if (level == LevelError)
-            line = qvrFormat("*** Thread #%02ld ERROR: %s", number, text.c_str());
+            line = qvrFormat("*** %s #%02ld ERROR: %s", Subject, number, text.c_str());
         else if (WarningsOnly)
             return;
         else
-            line = qvrFormat("Thread #%02ld: %s", number, text.c_str());
+            line = qvrFormat("%s #%02ld: %s", Subject, number, text.c_str());
         {
             qvrCSingleLock lock(TextLock);
             lock.Lock();
@@ -83,14 +84,26 @@ public:
     std::vector<std::string> Texts;
 
 private:
+    const char* const Subject;
     std::mutex Guard;
     std::condition_variable Posted;
     std::deque<unsigned> Queue;
     View* Waker = nullptr;
 };
 
+const ESaverExecution::Kind ESaverExecution::StandardKind{"isvrSaver", "Dialogs\\Renderer\\Saver", "Thread"};
+
 ESaverExecution::ESaverExecution(isvrSaver& saver, const iSaverSetup& setup, View& view)
-    : Saver(saver), Setup(setup), TheView(view), Messages(std::make_shared<Mailbox>()) {
+    : ESaverExecution(
+          StandardKind,
+          [&saver](std::shared_ptr<isvrSaverRunWindow> window) {
+              return isvrSaverWorkData::Create(saver, std::move(window));
+          },
+          setup, view) {}
+
+ESaverExecution::ESaverExecution(const Kind& kind, RunMaker makeRun, const iSaverSetup& setup, View& view)
+    : TheKind(kind), MakeRun(std::move(makeRun)), Setup(setup), TheView(view),
+      Messages(std::make_shared<Mailbox>(kind.LineSubject)) {
     Messages->SetWaker(&TheView);
     StateText = " Initializing threads...";
 }
@@ -117,7 +130,7 @@ void ESaverExecution::GetCounts(std::uint32_t& total, std::uint32_t& done, std::
 bool ESaverExecution::GetTimes(long& elapsed, long& remaining) {
     std::time_t start = 0;
     long total = 0;
-    return Work && Work->GetTimes(start, elapsed, remaining, total) != isvrSaverWorkData::TimesNotStarted;
+    return Work && Work->GetTimes(start, elapsed, remaining, total) != iSaverWorkData::TimesNotStarted;
 }
 
 std::string ESaverExecution::ClockText(long seconds) {
@@ -128,22 +141,22 @@ std::string ESaverExecution::ClockText(long seconds) {
 
 void ESaverExecution::Open() {
     qvrCRegKey settings;
-    settings.Open(qvrCRegKey::Root(), SettingsKey, qvrCRegKey::Access::OpenExisting);
+    settings.Open(qvrCRegKey::Root(), TheKind.SettingsKey, qvrCRegKey::Access::OpenExisting);
     SetWarningsOnly(settings.GetBool(WarningsOnlyValue, false));
     if (Setup.LogKeep) createLog();
     start();
 }
 
-std::string ESaverExecution::LogHeader(std::time_t created) {
+std::string ESaverExecution::LogHeader(const char* saverClass, std::time_t created) {
     char when[128] = {};
     std::tm local{};
     localtime_r(&created, &local);
     std::strftime(when, sizeof when, "%c", &local);
-    return qvrFormat("qvrTessarine isvrSaver rendering log file:\r\nLog file created: %s\n\n", when);
+    return qvrFormat("qvrTessarine %s rendering log file:\r\nLog file created: %s\n\n", saverClass, when);
 }
 
 void ESaverExecution::createLog() {
-    const std::string header = LogHeader(std::time(nullptr));
+    const std::string header = LogHeader(TheKind.SaverClass, std::time(nullptr));
     std::FILE* log = std::fopen(Setup.LogFile.c_str(), "wb");
     int error = log ? 0 : errno;
     if (log && std::fwrite(header.data(), 1, header.size(), log) != header.size()) error = errno;
@@ -158,7 +171,7 @@ void ESaverExecution::createLog() {
 }
 
 void ESaverExecution::start() {
-    Work = isvrSaverWorkData::Create(Saver, Messages);
+    Work = MakeRun(Messages);
     std::string problem;
     if (!Work->Start(Setup, problem)) {
         setState(StateOver, qvrFormat("Failed to start threads: %s !", problem.c_str()));
@@ -199,6 +212,7 @@ void ESaverExecution::DispatchMessages() {
             flushMessages();
             break;
         default:
+            onRunMessage(message);
             break;
         }
     }
@@ -247,14 +261,14 @@ void ESaverExecution::updateFigures() {
     long left = 0;
     long all = 0;
     switch (Work->GetTimes(start, elapsed, left, all)) {
-    case isvrSaverWorkData::TimesRunning:
+    case iSaverWorkData::TimesRunning:
         TimesText = " Time elapsed: " + ClockText(elapsed) + ", time remaining: " + ClockText(left) +
                     ", total: " + ClockText(all);
         break;
-    case isvrSaverWorkData::TimesFinished:
+    case iSaverWorkData::TimesFinished:
         TimesText = "Finished - elapsed time: " + ClockText(elapsed);
         break;
-    case isvrSaverWorkData::TimesNotStarted:
+    case iSaverWorkData::TimesNotStarted:
         break;
     }
     TheView.Changed();
@@ -330,7 +344,7 @@ void ESaverExecution::OnButton() {
         break;
     case StateOver: {
         qvrCRegKey settings;
-        if (settings.Open(qvrCRegKey::Root(), SettingsKey))
+        if (settings.Open(qvrCRegKey::Root(), TheKind.SettingsKey))
             settings.SetBool(WarningsOnlyValue, GetWarningsOnly());
         closeDialog();
         break;

@@ -1,8 +1,9 @@
 #pragma once
-// The execution dialog of a standard saver's render run, apart from the
-// window: it owns the run, starts and stops it, keeps the state, texts and
-// figures that the window shows, collects the threads' lines and writes the
-// render log. The desktop dialog and `qvr render` both drive it the same way:
+// The execution dialog of a saver's render run, apart from the window: it
+// owns the run, starts and stops it, keeps the state, texts and figures that
+// the window shows, collects the threads' lines and writes the render log.
+// This class is the standard saver's dialog; another saver's dialog derives
+// from it with its own texts and run. The desktop dialog and `qvr render` both drive it the same way:
 // Open, then DispatchMessages whenever a message was posted (Wait or the
 // View's Wake say so) and OnTimer once a second, and the buttons.
 //
@@ -15,11 +16,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <functional>
 #include <memory>
 #include <string>
 
+class iSaverWorkData;
 class isvrSaver;
-class isvrSaverWorkData;
+class isvrSaverRunWindow;
 
 class ESaverExecution {
 public:
@@ -58,10 +61,18 @@ public:
         virtual void Close() = 0;
     };
 
+    // What tells one saver's dialog from another's.
+    struct Kind {
+        const char* SaverClass;  // named in the render log's header
+        const char* SettingsKey; // where the dialog keeps its settings
+        const char* LineSubject; // what the numbers of the lines count: "Thread" or "Projector"
+    };
+    static const Kind StandardKind;
+
     // The run renders `saver` with `setup` (normally the saver's own).
     ESaverExecution(isvrSaver& saver, const iSaverSetup& setup, View& view);
     // Ends a run that still goes on.
-    ~ESaverExecution();
+    virtual ~ESaverExecution();
     ESaverExecution(const ESaverExecution&) = delete;
     ESaverExecution& operator=(const ESaverExecution&) = delete;
 
@@ -78,7 +89,7 @@ public:
     // Sends the stop without asking, as the button does after its question.
     void SendStop();
     // The window's close button: the run is ended by force if need be, and the dialog closes.
-    void HardAbort();
+    virtual void HardAbort();
 
     void SetWarningsOnly(bool warningsOnly);
     bool GetWarningsOnly() const;
@@ -104,10 +115,23 @@ public:
     // Elapsed and remaining whole seconds; false before the run has started.
     bool GetTimes(long& elapsed, long& remaining);
 
-    // The first two lines of a render log, with the time of its creation.
-    static std::string LogHeader(std::time_t created);
+    // The first two lines of a render log of the saver class, with the time of its creation.
+    static std::string LogHeader(const char* saverClass, std::time_t created);
     // Whole seconds as "hh:mm:ss".
     static std::string ClockText(long seconds);
+
+protected:
+    // Makes the run for the window that its threads post to.
+    using RunMaker = std::function<std::shared_ptr<iSaverWorkData>(std::shared_ptr<isvrSaverRunWindow>)>;
+
+    ESaverExecution(const Kind& kind, RunMaker makeRun, const iSaverSetup& setup, View& view);
+
+    // A message of the run that this class doesn't handle itself.
+    virtual void onRunMessage(unsigned) {}
+    // The run; null before Open.
+    iSaverWorkData* getRun() const { return Work.get(); }
+    const iSaverSetup& getSetup() const { return Setup; }
+    View& getView() const { return TheView; }
 
 private:
     class Mailbox;
@@ -124,11 +148,12 @@ private:
     void closeDialog();
     void restoreMainWindow();
 
-    isvrSaver& Saver;
+    const Kind& TheKind;
+    RunMaker MakeRun;
     iSaverSetup Setup;
     View& TheView;
     std::shared_ptr<Mailbox> Messages;
-    std::shared_ptr<isvrSaverWorkData> Work;
+    std::shared_ptr<iSaverWorkData> Work;
 
     State CurrentState = StateNoThreads;
     std::string StateText;

@@ -1,7 +1,6 @@
 #include "output/isvrSaverThreadRenderer.h"
 
 #include "foundation/qvrString.h"
-#include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 #include "output/EImageOutputHandle.h"
@@ -13,9 +12,6 @@
 namespace {
 
 constexpr unsigned long StopTestMs = 1;
-constexpr unsigned long EndWaitMs = 10;
-constexpr unsigned long TerminateWaitMs = 50;
-constexpr unsigned long DestroyWaitMs = 2000;
 
 // The whole frame at full size, as every frame of a run is asked for.
 iRenderRequest frameRequest(CSize size, std::uint32_t frame) {
@@ -42,17 +38,13 @@ std::unique_ptr<EImageData> takePicture(EImage& image) {
 // data by shared pointer, so it stays valid even if the thread is given up.
 class isvrSaverThreadRenderer::Loop {
 public:
-    explicit Loop(std::shared_ptr<Context> shared)
-        : Shared(std::move(shared)), Work(*Shared->Work), Index(Shared->Index) {}
+    Loop(isvrSaverWorkData& work, Control& control, std::shared_ptr<const EImageOutputSetup> setup,
+         std::shared_ptr<EImageOutputHandle> sharedHandle)
+        : Work(work), Index(control.Index), StopEvent(control.StopEvent), Setup(std::move(setup)),
+          SharedHandle(std::move(sharedHandle)) {}
 
     void Run() {
         if (initialise()) renderFrames();
-        Picture.reset();
-        OwnHandle.reset();
-        // The owner may collect the thread from here on; it then waits for the
-        // little that is left, so the finished message finds every thread ended.
-        Shared->EndedEvent.Set();
-        Work.ThreadEnded(Index);
     }
 
 private:
@@ -63,12 +55,14 @@ private:
     FrameResult renderFailed(std::uint32_t frame, const iRenderResult& result);
     bool saveFrame(std::uint32_t frame);
     // Takes the stop signal, waiting 1 ms for it.
-    bool stopRequested() { return Shared->StopEvent.Lock(StopTestMs); }
+    bool stopRequested() { return StopEvent.Lock(StopTestMs); }
     void report(const std::string& text, int level) { Work.Report(Index, text, level); }
 
-    const std::shared_ptr<Context> Shared;
     isvrSaverWorkData& Work;
     const unsigned Index;
+    qvrCEvent& StopEvent;
+    const std::shared_ptr<const EImageOutputSetup> Setup;
+    const std::shared_ptr<EImageOutputHandle> SharedHandle;
     // A movie's output, opened by the thread that writes it.
     std::unique_ptr<EImageOutputHandle> OwnHandle;
     // The last good frame; a blank picture stands in before the first.
@@ -86,9 +80,9 @@ bool isvrSaverThreadRenderer::Loop::initialise() {
         report("Out of memory.", isvrSaverRunWindow::LevelError);
         return false;
     }
-    if (Shared->SharedHandle) return true;
+    if (SharedHandle) return true;
     OwnHandle = std::make_unique<EImageOutputHandle>(*Work.GetStream());
-    if (!OwnHandle->Open(Work.GetFileName(), size, Shared->Setup.get(), Work.GetRate(), Work.GetRateStep())) {
+    if (!OwnHandle->Open(Work.GetFileName(), size, Setup.get(), Work.GetRate(), Work.GetRateStep())) {
         report(qvrFormat("Failed to open stream: %s.", OwnHandle->GetLastError().Text.c_str()),
                isvrSaverRunWindow::LevelError);
         return false;
@@ -168,7 +162,7 @@ isvrSaverThreadRenderer::Loop::renderFailed(std::uint32_t frame, const iRenderRe
 }
 
 bool isvrSaverThreadRenderer::Loop::saveFrame(std::uint32_t frame) {
-    EImageOutputHandle* handle = OwnHandle ? OwnHandle.get() : Shared->SharedHandle.get();
+    EImageOutputHandle* handle = OwnHandle ? OwnHandle.get() : SharedHandle.get();
     if (!handle || !Picture) return false;
     const long number = static_cast<long>(frame);
     report(qvrFormatMessage("Saving frame %1!ld!.", {number}), isvrSaverRunWindow::LevelInformation);
@@ -185,27 +179,8 @@ bool isvrSaverThreadRenderer::Loop::saveFrame(std::uint32_t frame) {
 isvrSaverThreadRenderer::isvrSaverThreadRenderer(std::shared_ptr<isvrSaverWorkData> work, unsigned index,
                                                  std::shared_ptr<const EImageOutputSetup> setup,
                                                  std::shared_ptr<EImageOutputHandle> sharedHandle)
-    : Shared(std::make_shared<Context>()) {
-    Shared->Work = std::move(work);
-    Shared->Index = index;
-    Shared->Setup = std::move(setup);
-    Shared->SharedHandle = std::move(sharedHandle);
-}
-
-isvrSaverThreadRenderer::~isvrSaverThreadRenderer() {
-    SignalStop();
-    if (!WaitForEnd(EndWaitMs) && IsAlive()) {
-        qvrTrace("*** WARNING[isvrSaverThreadRenderer::~isvrSaverThreadRenderer()]: Terminating thread.\n");
-        Kill(TerminateWaitMs, true);
-    }
-    Destroy(DestroyWaitMs);
-}
-
-bool isvrSaverThreadRenderer::InitThreadData() {
-    Shared->Work->ThreadStarted(Shared->Index);
-    return true;
-}
-
-void isvrSaverThreadRenderer::DoWork() {
-    Loop(Shared).Run();
+    : iSaverThread(work, index, qvrCEvent::ResetMode::Auto, "isvrSaverThreadRenderer") {
+    setBody([work, setup = std::move(setup), sharedHandle = std::move(sharedHandle)](Control& control) {
+        Loop(*work, control, setup, sharedHandle).Run();
+    });
 }

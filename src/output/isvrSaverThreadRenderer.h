@@ -9,7 +9,7 @@
 // the loop runs in the thread and keeps everything it uses by shared pointer,
 // so that a thread which has to be given up never touches freed data.
 
-#include "foundation/qvrCWorkerThread.h"
+#include "output/iSaverThread.h"
 
 #include <cstdint>
 #include <memory>
@@ -18,37 +18,15 @@ class EImageOutputHandle;
 class EImageOutputSetup;
 class isvrSaverWorkData;
 
-class isvrSaverThreadRenderer : public qvrCWorkerThread {
+class isvrSaverThreadRenderer : public iSaverThread {
 public:
     isvrSaverThreadRenderer(std::shared_ptr<isvrSaverWorkData> work, unsigned index,
                             std::shared_ptr<const EImageOutputSetup> setup,
                             std::shared_ptr<EImageOutputHandle> sharedHandle);
-    // Asks the thread to stop and waits 10 ms; a thread still running then is given up.
-    ~isvrSaverThreadRenderer() override;
-
-    // Asks the loop to end after the frame it is working on.
-    void SignalStop() { Shared->StopEvent.Set(); }
-    // True once the thread's run is over; waits up to `waitMs` for it.
-    bool WaitForEnd(unsigned long waitMs) { return Shared->EndedEvent.Lock(waitMs); }
 
     // The results of rendering one frame.
     enum FrameResult : int { FrameSkip = -1, FrameGood = 0, FrameFatal = 1 };
 
-    // Counts the thread as running before any thread of the run is let in.
-    bool InitThreadData() override;
-    void DoWork() override;
-
 private:
     class Loop;
-    // What the thread object shares with the loop in the thread.
-    struct Context {
-        std::shared_ptr<isvrSaverWorkData> Work;
-        unsigned Index;
-        std::shared_ptr<const EImageOutputSetup> Setup;
-        std::shared_ptr<EImageOutputHandle> SharedHandle;
-        qvrCEvent StopEvent{qvrCEvent::ResetMode::Auto};
-        qvrCEvent EndedEvent{qvrCEvent::ResetMode::Manual};
-    };
-
-    std::shared_ptr<Context> Shared;
 };

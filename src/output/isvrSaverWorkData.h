@@ -15,48 +15,24 @@
 // the owner calls Kill before it lets its reference go. The saver must
 // outlive the run.
 
-#include "foundation/qvrCSyncObjects.h"
 #include "foundation/qvrGeometry.h"
-#include "output/iSaverSetup.h"
+#include "output/iSaverWorkData.h"
 
 #include <cstdint>
-#include <ctime>
 #include <memory>
 #include <string>
-#include <vector>
 
 class EImageOutputHandle;
 class EImageOutputSetup;
 class EImageOutputStream;
 class isvrSaver;
-class isvrSaverThreadRenderer;
 
-// The window of a run, as the render threads see it. Every call may come from
-// any thread and must return at once.
-class isvrSaverRunWindow {
+class isvrSaverWorkData : public iSaverWorkData {
 public:
-    enum Message : unsigned {
-        MessageStarted = 0x401,  // the first thread has started
-        MessageFinished = 0x402, // the last thread has ended
-        MessageProgress = 0x403  // the counters changed
-    };
-    enum Level : int { LevelInformation = 0, LevelWarning = 1, LevelError = 2 };
-
-    virtual ~isvrSaverRunWindow() = default;
-    virtual void PostMessage(Message message) = 0;
-    // A line of thread `index` (from 0).
-    virtual void Report(unsigned index, const std::string& text, int level) = 0;
-};
-
-class isvrSaverWorkData : public std::enable_shared_from_this<isvrSaverWorkData> {
-public:
-    // Seconds of the wall clock; a test may put its own clock in place.
-    using Clock = std::time_t (*)();
-
     static std::shared_ptr<isvrSaverWorkData> Create(isvrSaver& saver,
                                                      std::shared_ptr<isvrSaverRunWindow> window);
     // Ends a run that is still going (Kill(5)).
-    ~isvrSaverWorkData();
+    ~isvrSaverWorkData() override;
     isvrSaverWorkData(const isvrSaverWorkData&) = delete;
     isvrSaverWorkData& operator=(const isvrSaverWorkData&) = delete;
 
@@ -66,23 +42,11 @@ public:
                std::uint32_t rate, std::uint32_t rateStep, bool stopOnError, bool replaceBadFrames,
                std::string& errorText);
     // The same with a saver's settings.
-    bool Start(const iSaverSetup& setup, std::string& errorText);
-    // Tells every thread to stop and collects those that have ended; true when none is left.
-    bool Stop();
-    // Stops the threads, trying for `seconds` + 1 seconds, then gives up those left.
-    void Kill(long seconds);
+    bool Start(const iSaverSetup& setup, std::string& errorText) override;
 
     // The next frame to render; false when the range is used up.
     bool NextFrame(std::uint32_t& frame);
     void FrameDone(unsigned index, std::uint32_t frame, bool success);
-    void ThreadStarted(unsigned index);
-    void ThreadEnded(unsigned index);
-    void GetCounts(std::uint32_t& total, std::uint32_t& done, std::uint32_t& failed,
-                   std::uint32_t& remaining);
-    enum TimesState : int { TimesNotStarted = 0, TimesRunning = 1, TimesFinished = 2 };
-    // Start time, and elapsed, remaining and total seconds of the run.
-    TimesState GetTimes(std::time_t& start, long& elapsed, long& remaining, long& total);
-    void Report(unsigned index, const std::string& text, int level);
 
     // What the threads share, fixed by Start.
     CSize GetFrameSize() const { return FrameSize; }
@@ -93,10 +57,9 @@ public:
     bool GetStopOnError() const { return StopOnError; }
     bool GetReplaceBadFrames() const { return ReplaceBadFrames; }
     isvrSaver& GetSaver() const { return Saver; }
-    // Threads in the pool; 0 when no run is going on.
-    size_t GetThreadCount() const { return Threads.size(); }
 
-    Clock Now;
+protected:
+    void releaseOutput() override;
 
 private:
     isvrSaverWorkData(isvrSaver& saver, std::shared_ptr<isvrSaverRunWindow> window);
@@ -105,9 +68,6 @@ private:
     void prepareRun(std::uint32_t& threadCount, std::uint32_t first, std::uint32_t last, std::uint32_t step);
     void openSharedHandle();
     bool launchThreads(std::uint32_t threadCount);
-    // Ends a run whose threads were given up.
-    void markForcedEnd();
-    void releaseOutput();
 
     CSize FrameSize;
     std::string FileName;
@@ -122,20 +82,6 @@ private:
     bool StopOnError = false;
     bool ReplaceBadFrames = false;
     isvrSaver& Saver;
-    std::shared_ptr<isvrSaverRunWindow> Window;
-    std::vector<std::unique_ptr<isvrSaverThreadRenderer>> Threads;
 
-    qvrCCriticalSection StateLock; // the running count, the times and the two flags
-    long Running = 0;
-    std::time_t StartTime = 0;
-    std::time_t EndTime = 0;
-    bool Started = false;
-    bool Finished = false;
-
-    qvrCCriticalSection ProgressLock; // the counters and the next frame
-    std::uint32_t Total = 0;
-    std::uint32_t Done = 0;
-    std::uint32_t Failed = 0;
-    std::uint32_t Remaining = 0;
-    std::uint32_t Next = 0;
+    std::uint32_t Next = 0; // the next frame, under the progress lock
 };
