@@ -88,6 +88,7 @@ public:
     int GetMaxParents() const override { return 2; }
     bool AcceptsGrid() const override { return true; }
     bool HasObjectBlock() const override { return true; }
+    std::string_view GetViewClass() const override { return "CObjectMergerView"; }
     // "Background: "name"", or "<no background>".
     std::string GetStateText() const override;
 

@@ -32,6 +32,7 @@ public:
 
     iFactoryProducer* GetProducer() const override { return &Producer; }
     bool HasObjectBlock() const override { return true; }
+    std::string_view GetViewClass() const override { return "CObjectSequenceView"; }
     // "Image: <file>; Aspect <a>" or "Images: <first> - <last>; Aspect <a>".
     std::string GetStateText() const override;
 

@@ -3,15 +3,9 @@
 // into a move, a link or a copy. A mode says what a plain drag means; the
 // keys named in its help line choose the other two. Pure functions.
 
-#include <string>
+#include "views/CModifierKeys.h"
 
-// Modifier keys held during a mouse event or a drag.
-enum CModifierKeys : unsigned {
-    key_none = 0,
-    key_shift = 1,
-    key_control = 2,
-    key_alt = 4,
-};
+#include <string>
 
 enum class CDragMode { Move, Link, Copy };
 

@@ -27,11 +27,21 @@ struct CPaneMapping {
         return {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
     }
 
+    // The smallest rectangle of pane units whose pixels cover the window rectangle.
+    CRect ToPaneCovering(const CRect& rect) const {
+        const CPoint topLeft = ToPane(CPoint{rect.left, rect.top});
+        return {topLeft.x, topLeft.y, toPaneAbove(rect.right, Center.x, ZoomX, Client.cx),
+                toPaneAbove(rect.bottom, Center.y, ZoomY, Client.cy)};
+    }
+
 private:
     static long toClient(long value, long center, double zoom, long extent) {
         return static_cast<long>(std::floor(static_cast<double>(value - center) * zoom)) + extent / 2;
     }
     static long toPane(long value, long center, double zoom, long extent) {
         return static_cast<long>(std::floor(static_cast<double>(value - extent / 2) / zoom)) + center;
+    }
+    static long toPaneAbove(long value, long center, double zoom, long extent) {
+        return static_cast<long>(std::ceil(static_cast<double>(value - extent / 2) / zoom)) + center;
     }
 };

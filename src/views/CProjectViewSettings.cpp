@@ -4,18 +4,9 @@
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 
 namespace {
-
-// Doubles are written in their shortest exact form.
-std::string formatZoom(double value) {
-    std::array<char, 32> buffer;
-    char* end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    return std::string(buffer.data(), end);
-}
 
 void reportBadValue(hReport& report, const std::string& text, const char* key) {
     report.Report(qvrFormat("Invalid value \"%s\" for \"%s\" (the default stays)", text.c_str(), key),
@@ -57,8 +48,8 @@ void CProjectViewSettings::Load(qvrCTreeData& block, hReport& report) {
 }
 
 void CProjectViewSettings::Save(qvrCTreeData& block, hReport&) {
-    block.SetText("DispZoomX", formatZoom(DispZoomX));
-    block.SetText("DispZoomY", formatZoom(DispZoomY));
+    block.SetText("DispZoomX", qvrFormat("%.17g", DispZoomX));
+    block.SetText("DispZoomY", qvrFormat("%.17g", DispZoomY));
     block.SetPoint("CenterPoint", CenterPoint);
     block.SetRect("Window", Window);
     block.SetSize("GridSize", GridSize);

@@ -1,12 +1,16 @@
 #pragma once
 // Support of the project and object view tests: a host that records what a
-// view asks of its window, a user-interface hook that also keeps the status
-// line, and the connector data of a drag.
+// view asks of its window, a canvas that records what a view paints, a
+// user-interface hook that also keeps the status line, and the connector
+// data of a drag.
 
+#include "imaging/EImageData.h"
 #include "model/ScriptedUserInterface.h"
+#include "views/CObjectViewCanvas.h"
 #include "views/CViewHost.h"
 #include "views/ioleConnector.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,3 +49,32 @@ inline std::string newObject(const std::string& className, const std::string& ty
     connector.NewType = typeName;
     return connector.Serialize();
 }
+
+class RecordingCanvas : public CObjectViewCanvas {
+public:
+    struct Fill {
+        CRect Rect;
+        std::uint32_t Colour;
+    };
+    struct Picture {
+        CRect Rect;
+        CSize Size;
+        std::uint32_t TopLeft;
+    };
+
+    explicit RecordingCanvas(CRect clip) : Clip(clip) {}
+
+    CRect GetClipBox() const override { return Clip; }
+    void FillRect(const CRect& rect, std::uint32_t colour) override { Fills.push_back({rect, colour}); }
+    void DrawText(const CRect& rect, const std::string& text) override { Texts.emplace_back(rect, text); }
+    void DrawPicture(const CRect& rect, const EImageData& picture) override {
+        Pictures.push_back({rect, picture.GetSize(), picture.GetRow(0)[0]});
+    }
+    void DrawOutline(const CRect& rect) override { Outlines.push_back(rect); }
+
+    CRect Clip;
+    std::vector<Fill> Fills;
+    std::vector<std::pair<CRect, std::string>> Texts;
+    std::vector<Picture> Pictures;
+    std::vector<CRect> Outlines;
+};
