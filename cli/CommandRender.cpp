@@ -1,6 +1,7 @@
 // qvr render PROJECT [--saver NAME] [--first N] [--last N] [--step N]
 //                    [--threads N] [--log FILE] [--output NAME]:
-// runs a standard saver's render exactly as its execution dialog would.
+// runs a saver's render exactly as its execution dialog would: a standard
+// saver, or a projector array saver with the state of every projector.
 
 #include "QvrCommand.h"
 #include "QvrSession.h"
@@ -11,11 +12,16 @@
 #include "model/iProject.h"
 #include "output/ESaverExecution.h"
 #include "output/isvrSaver.h"
+#include "projector/EVitreaExecution.h"
+#include "projector/isvrVitrea.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <unistd.h>
 
@@ -24,11 +30,13 @@ namespace {
 constexpr const char* Help =
     "usage: qvr render PROJECT [--saver NAME] [--first N] [--last N] [--step N]\n"
     "                  [--threads N] [--log FILE] [--output NAME]\n\n"
-    "Runs a standard saver's render run as its execution dialog would, with the\n"
-    "saver's own settings unless overridden. Without --saver the project must hold\n"
-    "exactly one saver. --log keeps the render log in FILE; --output writes to NAME\n"
-    "instead of the saver's file name. Progress goes to standard error when it is a\n"
-    "terminal. Ctrl-C sends the stop; a second Ctrl-C ends the threads by force.\n"
+    "Runs a saver's render run as its execution dialog would, with the saver's own\n"
+    "settings unless overridden. Without --saver the project must hold exactly one\n"
+    "saver. --log keeps the render log in FILE; --output writes to NAME instead of\n"
+    "the file name of a standard saver. Progress goes to standard error when it is\n"
+    "a terminal; a projector array saver shows there how far each projector is, and\n"
+    "the outcome of every projector at the end. Ctrl-C sends the stop; a second\n"
+    "Ctrl-C ends the threads by force.\n"
     "Exit 0 when every frame was done, 1 when some failed or the run was aborted,\n"
     "2 when it could not start.\n";
 
@@ -103,7 +111,7 @@ std::string parseOptions(const QvrCommand::Arguments& arguments, RenderOptions& 
 }
 
 // The saver named, or the project's only saver; null with a complaint printed.
-isvrSaver* findSaver(const RenderOptions& options) {
+iSaver* findSaver(const RenderOptions& options) {
     iProject& project = iProject::GetStandard();
     iElement* found = nullptr;
     if (!options.Saver.empty()) {
@@ -126,14 +134,14 @@ isvrSaver* findSaver(const RenderOptions& options) {
             return nullptr;
         }
     }
-    auto* saver = dynamic_cast<isvrSaver*>(found);
+    auto* saver = dynamic_cast<iSaver*>(found);
     if (!saver)
-        std::fprintf(stderr, "qvr render: %s: \"%s\" is not a standard saver\n", options.Project.c_str(),
+        std::fprintf(stderr, "qvr render: %s: \"%s\" is not a saver\n", options.Project.c_str(),
                      found->GetName().c_str());
     return saver;
 }
 
-iSaverSetup runSetup(const isvrSaver& saver, const RenderOptions& options) {
+iSaverSetup runSetup(const iSaver& saver, const RenderOptions& options) {
     iSaverSetup setup = saver.GetSetup();
     auto take = [](const std::optional<long>& given, std::uint32_t& value) {
         if (given) value = static_cast<std::uint32_t>(*given);
@@ -150,9 +158,20 @@ iSaverSetup runSetup(const isvrSaver& saver, const RenderOptions& options) {
 }
 
 // Why the saver can't run with the setup; empty when it can.
-std::string startProblem(const isvrSaver& saver, const iSaverSetup& setup) {
+std::string startProblem(const iSaver& saver, const iSaverSetup& setup) {
     if (!setup.IsValid()) return EStringTable::Load(TextNotConfigured);
     if (!saver.GetFirstParent()) return "the saver has no source";
+    return {};
+}
+
+std::string startProblem(const isvrVitrea& saver, const iSaverSetup& setup) {
+    const std::string problem = startProblem(static_cast<const iSaver&>(saver), setup);
+    return problem.empty() ? saver.CheckRender(setup) : problem;
+}
+
+std::string startProblem(const isvrSaver& saver, const iSaverSetup& setup) {
+    const std::string problem = startProblem(static_cast<const iSaver&>(saver), setup);
+    if (!problem.empty()) return problem;
     if (!saver.GetStream()) return "the saver has no output stream";
     if (!saver.CanExecute())
         return qvrFormat("the output size must be at least %ld,%ld", isvrSaver::MinSide, isvrSaver::MinSide);
@@ -168,11 +187,17 @@ public:
 
     void AppendLine(const std::string& line) override {
         const bool important = line.rfind("*** ", 0) == 0 || line.find(" Warning: ") != std::string::npos;
-        if (!important) return;
+        if (important) PrintLine(line.substr(0, line.find_last_not_of("\r\n") + 1));
+    }
+    // A line of its own on standard error, above the progress line.
+    void PrintLine(const std::string& line) {
         clearProgress();
-        std::fputs(line.substr(0, line.find_last_not_of("\r\n") + 1).c_str(), stderr);
+        std::fputs(line.c_str(), stderr);
         std::fputc('\n', stderr);
     }
+    bool IsInteractive() const { return Interactive; }
+    // More of the run to show at the end of the progress line.
+    std::function<std::string()> Details;
     void RemoveFirstLines(size_t) override {}
     void PlaySound(ESaverExecution::Sound) override {}
     void MinimizeMainWindow() override {}
@@ -186,8 +211,8 @@ public:
         std::uint32_t failed = 0;
         std::uint32_t remaining = 0;
         run.GetCounts(total, done, failed, remaining);
-        std::fprintf(stderr, "\r\033[K%s: %u/%u frames, %u error(s)%s", run.GetStateText().c_str() + 1,
-                     done + failed, total, failed, timesOf(run).c_str());
+        std::fprintf(stderr, "\r\033[K%s: %u/%u frames, %u error(s)%s%s", run.GetStateText().c_str() + 1,
+                     done + failed, total, failed, timesOf(run).c_str(), Details ? Details().c_str() : "");
         std::fflush(stderr);
         ProgressShown = true;
     }
@@ -216,12 +241,15 @@ private:
 
 // Drives the run until it is over: messages as they come, the figures once a
 // second, and the interrupts as the abort and close buttons.
-void driveRun(ESaverExecution& run, TerminalView& view) {
+void driveRun(ESaverExecution& run, TerminalView& view, const std::function<void()>& afterMessages) {
     using Clock = std::chrono::steady_clock;
     int handled = 0;
     Clock::time_point nextTick = Clock::now() + std::chrono::milliseconds(ESaverExecution::TimerMs);
     while (run.GetState() != ESaverExecution::StateOver) {
-        if (run.Wait(PollMs)) run.DispatchMessages();
+        if (run.Wait(PollMs)) {
+            run.DispatchMessages();
+            afterMessages();
+        }
         if (Clock::now() >= nextTick) {
             nextTick += std::chrono::milliseconds(ESaverExecution::TimerMs);
             run.OnTimer();
@@ -239,9 +267,52 @@ void driveRun(ESaverExecution& run, TerminalView& view) {
     view.EndProgress();
 }
 
-int renderWith(isvrSaver& saver, const iSaverSetup& setup) {
-    TerminalView view;
-    ESaverExecution run(saver, setup, view);
+// The projector list of an array's run: on a terminal a line whenever a
+// projector starts or ends and the working projectors' frames beside the
+// progress, and at the end the outcome of every projector that was on.
+class ProjectorRows {
+public:
+    ProjectorRows(EVitreaExecution& run, TerminalView& view) : Run(run), View(view) {
+        for (std::size_t projector = 0; projector < LVitrea::ProjectorCount; ++projector)
+            Shown[projector] = run.GetRowState(projector);
+    }
+
+    void ShowChanges() {
+        if (!View.IsInteractive()) return;
+        for (std::size_t projector = 0; projector < LVitrea::ProjectorCount; ++projector) {
+            if (Run.GetRowState(projector) == Shown[projector]) continue;
+            Shown[projector] = Run.GetRowState(projector);
+            View.PrintLine(rowLine(projector));
+        }
+    }
+    // " #NN done/frames" for every projector at work.
+    std::string WorkingText() const {
+        std::string text;
+        for (std::size_t projector = 0; projector < LVitrea::ProjectorCount; ++projector)
+            if (Run.GetRowState(projector) == isvrVitreaWorkData::StateWorking)
+                text += qvrFormat(" #%02ld ", static_cast<long>(projector) + 1) +
+                        Run.GetRowStatus(projector).substr(0, Run.GetRowStatus(projector).find(' '));
+        return text.empty() ? text : ";" + text;
+    }
+    void ShowOutcome() {
+        for (std::size_t projector = 0; projector < LVitrea::ProjectorCount; ++projector)
+            if (Run.GetRowState(projector) != isvrVitreaWorkData::StateOff)
+                View.PrintLine(rowLine(projector));
+    }
+
+private:
+    std::string rowLine(std::size_t projector) const {
+        return "qvr render: " + Run.GetRowHead(projector) + ": " + Run.GetRowStatus(projector);
+    }
+
+    EVitreaExecution& Run;
+    TerminalView& View;
+    std::array<isvrVitreaWorkData::ProjectorState, LVitrea::ProjectorCount> Shown{};
+};
+
+// Runs the dialog's logic to its end; the exit status.
+int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver,
+               const std::function<void()>& afterMessages) {
     run.Open();
     if (run.GetState() == ESaverExecution::StateOver) {
         std::fprintf(stderr, "qvr render: %s:%s\n", saver.GetName().c_str(), run.GetStateText().c_str());
@@ -251,7 +322,7 @@ int renderWith(isvrSaver& saver, const iSaverSetup& setup) {
     action.sa_handler = onInterrupt;
     struct sigaction previous {};
     sigaction(SIGINT, &action, &previous);
-    driveRun(run, view);
+    driveRun(run, view, afterMessages);
     sigaction(SIGINT, &previous, nullptr);
     std::uint32_t total = 0;
     std::uint32_t done = 0;
@@ -261,6 +332,33 @@ int renderWith(isvrSaver& saver, const iSaverSetup& setup) {
     std::fprintf(stderr, "qvr render: %s:%s %u of %u frames done, %u failed\n", saver.GetName().c_str(),
                  run.GetStateText().c_str(), done, total, failed);
     return !run.WasStopSent() && done == total ? ExitSuccess : ExitFailures;
+}
+
+int renderStandard(isvrSaver& saver, const iSaverSetup& setup) {
+    TerminalView view;
+    ESaverExecution run(saver, setup, view);
+    return renderWith(run, view, saver, [] {});
+}
+
+int renderArray(isvrVitrea& saver, const iSaverSetup& setup) {
+    TerminalView view;
+    EVitreaExecution run(saver, setup, view);
+    ProjectorRows rows(run, view);
+    view.Details = [&rows] { return rows.WorkingText(); };
+    const int status = renderWith(run, view, saver, [&rows] { rows.ShowChanges(); });
+    if (status != ExitUsage) rows.ShowOutcome();
+    return status;
+}
+
+// Checks what the saver needs and runs it.
+template <class Saver>
+int checkAndRender(Saver& saver, const iSaverSetup& setup, int (*render)(Saver&, const iSaverSetup&)) {
+    const std::string cannot = startProblem(saver, setup);
+    if (!cannot.empty()) {
+        std::fprintf(stderr, "qvr render: %s: %s\n", saver.GetName().c_str(), cannot.c_str());
+        return ExitUsage;
+    }
+    return render(saver, setup);
 }
 
 int runRender(const QvrCommand::Arguments& arguments) {
@@ -277,16 +375,21 @@ int runRender(const QvrCommand::Arguments& arguments) {
         std::fprintf(stderr, "qvr render: %s: the project could not be loaded\n", options.Project.c_str());
         return ExitUsage;
     }
-    isvrSaver* saver = findSaver(options);
+    iSaver* saver = findSaver(options);
     if (!saver) return ExitUsage;
-    if (!options.Output.empty()) saver->SetFileName(options.Output);
     const iSaverSetup setup = runSetup(*saver, options);
-    const std::string cannot = startProblem(*saver, setup);
-    if (!cannot.empty()) {
-        std::fprintf(stderr, "qvr render: %s: %s\n", saver->GetName().c_str(), cannot.c_str());
+    if (auto* array = dynamic_cast<isvrVitrea*>(saver)) {
+        if (!options.Output.empty()) return usage("--output names the file of a standard saver only");
+        return checkAndRender(*array, setup, renderArray);
+    }
+    auto* standard = dynamic_cast<isvrSaver*>(saver);
+    if (!standard) {
+        std::fprintf(stderr, "qvr render: %s: \"%s\" is a saver that qvr render can't run\n",
+                     options.Project.c_str(), saver->GetName().c_str());
         return ExitUsage;
     }
-    return renderWith(*saver, setup);
+    if (!options.Output.empty()) standard->SetFileName(options.Output);
+    return checkAndRender(*standard, setup, renderStandard);
 }
 
 QvrCommand render("render", "run a saver's render of a frame range", Help, runRender);

@@ -25,3 +25,9 @@ struct CRect {
     bool IsRectEmpty() const { return right <= left || bottom <= top; }
     friend bool operator==(const CRect&, const CRect&) = default;
 };
+
+// The part that both rectangles cover; empty when they don't meet.
+inline CRect IntersectRect(const CRect& a, const CRect& b) {
+    return {a.left > b.left ? a.left : b.left, a.top > b.top ? a.top : b.top,
+            a.right < b.right ? a.right : b.right, a.bottom < b.bottom ? a.bottom : b.bottom};
+}
