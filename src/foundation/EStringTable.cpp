@@ -13,27 +13,11 @@ struct Entry {
 constexpr Entry unsortedEntries[] = {
 #include "app/Strings.inc"
 #include "foundation/Strings.inc"
-#if __has_include("model/Strings.inc")
 #include "model/Strings.inc"
-#endif
-#if __has_include("imaging/Strings.inc")
-#include "imaging/Strings.inc"
-#endif
-#if __has_include("objects/Strings.inc")
 #include "objects/Strings.inc"
-#endif
-#if __has_include("output/Strings.inc")
 #include "output/Strings.inc"
-#endif
-#if __has_include("projector/Strings.inc")
 #include "projector/Strings.inc"
-#endif
-#if __has_include("batch/Strings.inc")
-#include "batch/Strings.inc"
-#endif
-#if __has_include("views/Strings.inc")
 #include "views/Strings.inc"
-#endif
 };
 
 constexpr auto sortedEntries() {
