@@ -57,5 +57,5 @@ report "qvr: BMP sequence, 1 thread" render --saver Frames --threads 1
 report "qvr: BMP sequence, 2 threads" render --saver Frames --threads 2
 report "qvr: uncompressed AVI" render --saver Movie
 report "ffmpeg: BMP sequence" ffmpeg_render "$output/ffmpeg/frame%04d.bmp"
-report "ffmpeg: uncompressed AVI" ffmpeg_render -c:v rawvideo -pix_fmt bgr24 "$output/ffmpeg/showcase.avi"
+report "ffmpeg: uncompressed AVI, 32-bit" ffmpeg_render -c:v rawvideo -pix_fmt bgra "$output/ffmpeg/showcase.avi"
 report "ffmpeg: BMP sequence, 1 thread" ffmpeg_render -threads 1 -filter_threads 1 -filter_complex_threads 1 "$output/ffmpeg/frame%04d.bmp"

@@ -120,7 +120,8 @@ void convolveReference(const hMatrix& matrix, const EImageData& source, EImageDa
 class FastConvolution {
 public:
     FastConvolution(const hMatrix& matrix, const EImageData& source)
-        : Source(source), Width(source.GetWidth()), Reciprocal(_mm_set1_pd(1.0 / matrix.GetDivisor())) {
+        : Source(source), Width(source.GetWidth()), Reciprocal(_mm_set1_pd(1.0 / matrix.GetDivisor())),
+          Shift(shiftOf(matrix.GetDivisor())) {
         for (int pair = 0; pair < Pairs; ++pair)
             for (int column = 0; column < hMatrix::Side; ++column) {
                 const Halves upper = split(matrix.GetEntry(column, 2 * pair));
@@ -241,8 +242,14 @@ private:
                                   quotients(_mm_unpackhi_epi64(sums.Value, sums.Value)));
     }
 
-    // Divides the row's sums, two pixels at a time.
+    // Divides the row's sums, two pixels at a time. A positive divisor that is a
+    // power of two divides by a shift: for sums of 0 and above it truncates
+    // alike, and every negative sum still ends below 0.
     void storeQuotients(std::uint32_t* target) const {
+        if (Shift >= 0) {
+            storeShiftedQuotients(target);
+            return;
+        }
         long x = 0;
         for (; x + 1 < Width; x += 2) {
             const __m128i words = _mm_packs_epi32(pixelQuotients(Sums[x]), pixelQuotients(Sums[x + 1]));
@@ -255,6 +262,26 @@ private:
     }
 
     // The weighted sums of the row's pixels.
+    void storeShiftedQuotients(std::uint32_t* target) const {
+        const __m128i shift = _mm_cvtsi32_si128(Shift);
+        long x = 0;
+        for (; x + 1 < Width; x += 2) {
+            const __m128i words = _mm_packs_epi32(_mm_sra_epi32(Sums[x].Value, shift),
+                                                  _mm_sra_epi32(Sums[x + 1].Value, shift));
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(target + x), _mm_packus_epi16(words, words));
+        }
+        if (x < Width) {
+            const __m128i words = _mm_packs_epi32(_mm_sra_epi32(Sums[x].Value, shift), _mm_setzero_si128());
+            target[x] = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+        }
+    }
+
+    // The power of two that the divisor is, or -1.
+    static int shiftOf(std::int32_t divisor) {
+        if (divisor <= 0 || (divisor & (divisor - 1)) != 0) return -1;
+        return __builtin_ctz(static_cast<unsigned>(divisor));
+    }
+
     // Entries of 0 add nothing, so only the pairs and columns that hold others are weighed.
     template <bool WithHighHalves> void sumRow(const PixelLanes* const* pairs) {
         for (long x = 0; x < Width; ++x) {
@@ -274,6 +301,7 @@ private:
     const EImageData& Source;
     const long Width;
     const __m128d Reciprocal;
+    const int Shift;
     __m128i LowWeights[Pairs][hMatrix::Side];
     __m128i HighWeights[Pairs][hMatrix::Side];
     bool HasHighHalves = false;

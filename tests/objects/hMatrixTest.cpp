@@ -86,9 +86,10 @@ TEST(hMatrix, ReferenceIsTheZeroPaddedConvolutionAndNewKernelsCopy) {
 
 TEST(hMatrix, FastFilterGivesTheReferenceBytes) {
     // Small entries, entries of any 32 bits (their sums wrap), and divisors
-    // from 1 to the largest, either sign.
+    // from 1 to the largest, either sign, powers of two among them.
     const std::pair<std::uint32_t, std::int32_t> kernels[] = {
-        {6001, 1024}, {6001, -3}, {65536 * 3, 1}, {0, -1}, {0, 777777}, {0, INT32_MAX}, {0, INT32_MIN}};
+        {6001, 1024}, {6001, -3},  {6001, 2},      {65536 * 3, 1}, {0, -1},
+        {0, 777777},  {0, 1 << 30}, {0, INT32_MAX}, {0, INT32_MIN}};
     for (const auto& [range, divisor] : kernels) {
         hMatrix matrix;
         for (int i = 0; i < 25; ++i) {
