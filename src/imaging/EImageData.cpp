@@ -1,5 +1,6 @@
 #include "imaging/EImageData.h"
 
+#include "foundation/qvrSplitWork.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImageCache.h"
 
@@ -21,6 +22,8 @@ namespace {
 // Bytes a picture of the size needs beyond its pixels: header, palette and row table.
 constexpr long PictureOverhead = 1056;
 constexpr int ExpTableLast = 10000;
+// Filtered stretches of this many target rows and more run in two halves at once.
+constexpr long SplitFromRows = 128;
 
 // Pictures are large and come and go with every frame. The C library would map
 // each one freshly and hand it back on free, so that every new picture faults
@@ -414,11 +417,16 @@ void EImageData::StretchFilteredFast(const EImageData& source, const CRect& sour
         StretchFilteredReference(source, sourceRect, targetRect, blend);
         return;
     }
-    for (long j = 0; j < targetRect.Height(); ++j) {
-        std::uint32_t* targetRow = GetRow(targetRect.top + j) + targetRect.left;
-        for (long i = 0; i < targetRect.Width(); ++i)
-            storePixel(targetRow[i], fastFilteredPixel(source, columns, i, rows, j), blend, source.opacity);
-    }
+    // Target rows are written apart from each other, so two halves of them can
+    // go at once, unless the picture stretches a part of itself.
+    const long splitFromRows = &source == this ? LONG_MAX : SplitFromRows;
+    qvrSplitInTwo(targetRect.Height(), splitFromRows, [&](long first, long last) {
+        for (long j = first; j < last; ++j) {
+            std::uint32_t* targetRow = GetRow(targetRect.top + j) + targetRect.left;
+            for (long i = 0; i < targetRect.Width(); ++i)
+                storePixel(targetRow[i], fastFilteredPixel(source, columns, i, rows, j), blend, source.opacity);
+        }
+    });
 }
 
 namespace {

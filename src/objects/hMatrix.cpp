@@ -3,6 +3,7 @@
 #include "foundation/EStringTable.h"
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrSplitWork.h"
 #include "foundation/qvrString.h"
 #include "imaging/EImageData.h"
 
@@ -21,6 +22,8 @@ namespace {
 enum : EStringId { textMatrixIncomplete = 47620 };
 
 constexpr int Reach = hMatrix::Side / 2;
+// Pictures of this many rows and more are filtered in two halves at once.
+constexpr long SplitFromRows = 256;
 
 std::string entryKey(int x, int y) {
     return qvrFormat("Entry[%d%d]", x, y);
@@ -139,8 +142,9 @@ public:
         Zeros.resize(static_cast<size_t>(Width));
     }
 
-    void Run(EImageData& target) {
-        for (long y = 0; y < Source.GetHeight(); ++y) {
+    // Filters the rows from `first` up to `last`.
+    void Run(EImageData& target, long first, long last) {
+        for (long y = first; y < last; ++y) {
             const PixelLanes* pairs[Pairs] = {rowPair(y - Reach), rowPair(y - Reach + 2),
                                               rowPair(y - Reach + 4)};
             if (HasHighHalves)
@@ -358,7 +362,10 @@ std::unique_ptr<EImageData> hMatrix::ApplyReference(const EImageData& source) co
 std::unique_ptr<EImageData> hMatrix::Apply(const EImageData& source) const {
 #if defined(__SSE2__)
     std::unique_ptr<EImageData> target = newTarget(source, Divisor);
-    if (target) FastConvolution(*this, source).Run(*target);
+    // Each half of the rows has a convolution of its own, with its own row cache.
+    if (target)
+        qvrSplitInTwo(source.GetHeight(), SplitFromRows,
+                      [&](long first, long last) { FastConvolution(*this, source).Run(*target, first, last); });
     return target;
 #else
     return ApplyReference(source);

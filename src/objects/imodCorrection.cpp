@@ -1,6 +1,7 @@
 #include "objects/imodCorrection.h"
 
 #include "foundation/EStringTable.h"
+#include "foundation/qvrSplitWork.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 
@@ -11,6 +12,9 @@
 iFactoryProducerOf<imodCorrection> imodCorrection::Producer(iModifier::ClassType, "Image Correction");
 
 namespace {
+
+// Pictures of this many rows and more are corrected in two halves at once.
+constexpr long SplitFromRows = 256;
 
 enum : EStringId { textImageCorrection = 47600 };
 
@@ -94,8 +98,10 @@ private:
     std::array<std::uint8_t, 256> alpha;
 };
 
-template <class Correction> void correctRows(EImageData& picture, const Correction& correct) {
-    for (long y = 0; y < picture.GetHeight(); ++y) {
+// Corrects the rows from `first` up to `last`.
+template <class Correction>
+void correctRows(EImageData& picture, const Correction& correct, long first, long last) {
+    for (long y = first; y < last; ++y) {
         std::uint32_t* row = picture.GetRow(y);
         for (long x = 0; x < picture.GetWidth(); ++x)
             row[x] = correct(row[x]);
@@ -110,12 +116,15 @@ long RoundValue(double value) {
 
 void CorrectPixelsReference(EImageData& picture, const hCorrectionSettings& settings) {
     const FixedCorrection fixed(settings);
-    correctRows(picture, [&fixed](std::uint32_t pixel) { return correctPixel(pixel, fixed); });
+    correctRows(picture, [&fixed](std::uint32_t pixel) { return correctPixel(pixel, fixed); }, 0,
+                picture.GetHeight());
 }
 
 void CorrectPixels(EImageData& picture, const hCorrectionSettings& settings) {
     const CorrectionTables tables{FixedCorrection(settings)};
-    correctRows(picture, [&tables](std::uint32_t pixel) { return tables.Correct(pixel); });
+    const auto correct = [&tables](std::uint32_t pixel) { return tables.Correct(pixel); };
+    qvrSplitInTwo(picture.GetHeight(), SplitFromRows,
+                  [&](long first, long last) { correctRows(picture, correct, first, last); });
 }
 
 imodCorrection::imodCorrection(std::string name)

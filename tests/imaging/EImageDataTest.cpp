@@ -119,10 +119,11 @@ TEST(ImageData, FastFilterGivesTheReferenceBytesAtEveryScale) {
         {{0, 0, 61, 47}, {0, 0, 23, 18}},   {{0, 0, 61, 47}, {0, 0, 150, 101}},
         {{5, 3, 40, 44}, {2, 7, 33, 29}},   {{0, 0, 61, 47}, {0, 0, 60, 47}},
         {{10, 10, 11, 11}, {0, 0, 150, 9}}, {{0, 0, 128, 128}, {0, 0, 1, 1}},
-        {{0, 0, 129, 129}, {0, 0, 1, 1}}}; // the largest footprint of the fast loop, and one beyond
+        {{0, 0, 129, 129}, {0, 0, 1, 1}}, // the largest footprint of the fast loop, and one beyond
+        {{0, 0, 200, 160}, {0, 0, 150, 140}}}; // enough rows to be stretched in two halves
     for (const auto& [from, to] : cases) {
         for (EImageBlend blend : {EImageBlend::Copy, EImageBlend::Blend}) {
-            auto fast = MakeNoise(150, 101, 2);
+            auto fast = MakeNoise(150, 140, 2);
             auto reference = fast->Clone();
             fast->Stretch(*source, from, to, blend, EImageFilter::Filtered);
             reference->StretchFilteredReference(*source, from, to, blend);

@@ -66,7 +66,8 @@ Pixels Filtered(const hMatrix& matrix, CSize size, std::uint32_t colour) {
     return PixelsOf(matrix.Apply(*Picture(size, [colour](long, long) { return colour; })));
 }
 
-const CSize testSizes[] = {{1, 1}, {2, 7}, {3, 3}, {4, 6}, {5, 5}, {6, 6}, {11, 9}, {37, 4}};
+// The last is large enough to be filtered in two halves.
+const CSize testSizes[] = {{1, 1}, {2, 7}, {3, 3}, {4, 6}, {5, 5}, {6, 6}, {11, 9}, {37, 4}, {67, 300}};
 
 } // namespace
 
