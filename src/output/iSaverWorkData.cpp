@@ -60,6 +60,11 @@ bool iSaverWorkData::launchThreads(std::vector<std::unique_ptr<iSaverThread>> th
 
 // ---------------------------------------------------------------- stopping
 
+bool iSaverWorkData::Start(const iSaverSetup& setup, std::string& errorText) {
+    return Start(setup.MiscThreadCnt, setup.VideoStart, setup.VideoEnd, setup.VideoSteps, setup.VideoFPS,
+                 setup.VideoRes, !setup.ErrorsIgnore, setup.ErrorsReplaceBadFrames, errorText);
+}
+
 bool iSaverWorkData::Stop() {
     if (Threads.empty()) return true;
     bool alive = false;

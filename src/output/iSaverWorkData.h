@@ -49,9 +49,13 @@ public:
     iSaverWorkData(const iSaverWorkData&) = delete;
     iSaverWorkData& operator=(const iSaverWorkData&) = delete;
 
-    // Starts the threads with a saver's settings. False, with the reason in
-    // `errorText`, when the run could not start.
-    virtual bool Start(const iSaverSetup& setup, std::string& errorText) = 0;
+    // Starts the threads for the frames first to last (inclusive) at the step.
+    // False, with the reason in `errorText`, when the run could not start.
+    virtual bool Start(std::uint32_t threadCount, std::uint32_t first, std::uint32_t last, std::uint32_t step,
+                       std::uint32_t rate, std::uint32_t rateStep, bool stopOnError, bool replaceBadFrames,
+                       std::string& errorText) = 0;
+    // The same with a saver's settings: its range, rate, policies and thread count.
+    bool Start(const iSaverSetup& setup, std::string& errorText);
     // Tells every thread to stop and collects those that have ended; true when none is left.
     bool Stop();
     // Stops the threads, trying for `seconds` + 1 seconds, then gives up those left.

@@ -36,13 +36,10 @@ public:
     isvrSaverWorkData(const isvrSaverWorkData&) = delete;
     isvrSaverWorkData& operator=(const isvrSaverWorkData&) = delete;
 
-    // Starts the threads for the frames first to last (inclusive) at the step.
-    // False, with the reason in `errorText`, when the run could not start.
+    using iSaverWorkData::Start;
     bool Start(std::uint32_t threadCount, std::uint32_t first, std::uint32_t last, std::uint32_t step,
                std::uint32_t rate, std::uint32_t rateStep, bool stopOnError, bool replaceBadFrames,
-               std::string& errorText);
-    // The same with a saver's settings.
-    bool Start(const iSaverSetup& setup, std::string& errorText) override;
+               std::string& errorText) override;
 
     // The next frame to render; false when the range is used up.
     bool NextFrame(std::uint32_t& frame);

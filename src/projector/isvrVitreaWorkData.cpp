@@ -28,11 +28,6 @@ const LConfiguration& isvrVitreaWorkData::GetConfiguration() const {
 
 // ---------------------------------------------------------------- starting
 
-bool isvrVitreaWorkData::Start(const iSaverSetup& setup, std::string& errorText) {
-    return Start(setup.MiscThreadCnt, setup.VideoStart, setup.VideoEnd, setup.VideoSteps, setup.VideoFPS,
-                 setup.VideoRes, !setup.ErrorsIgnore, setup.ErrorsReplaceBadFrames, errorText);
-}
-
 bool isvrVitreaWorkData::Start(std::uint32_t threadCount, std::uint32_t first, std::uint32_t last,
                                std::uint32_t step, std::uint32_t rate, std::uint32_t rateStep,
                                bool stopOnError, bool replaceBadFrames, std::string& errorText) {

@@ -42,10 +42,10 @@ public:
     // Starts at most `threadCount` threads, no more than projectors are on,
     // for the frames first to last (inclusive) at the step. False, with the
     // reason in `errorText`, when the run could not start.
+    using iSaverWorkData::Start;
     bool Start(std::uint32_t threadCount, std::uint32_t first, std::uint32_t last, std::uint32_t step,
                std::uint32_t rate, std::uint32_t rateStep, bool stopOnError, bool replaceBadFrames,
-               std::string& errorText);
-    bool Start(const iSaverSetup& setup, std::string& errorText) override;
+               std::string& errorText) override;
 
     // The next projector that is on and not yet taken; false when none is left.
     bool NextProjector(std::size_t& projector);

@@ -1,5 +1,7 @@
 #include "projector/LProjection.h"
 
+#include "ProjectionTestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,15 +16,6 @@ LCorners rectangle(long right, long bottom) {
 
 // A slanted quadrilateral whose coefficients are worked out by hand below.
 const LCorners Slanted = {CPoint{1, 2}, CPoint{9, 1}, CPoint{8, 7}, CPoint{2, 6}};
-
-LProjection prepared(const LCorners& corners, CSize source, std::int32_t filter = LProjection::FilterLinear,
-                     double level = 2.0) {
-    LProjection projection;
-    projection.SetFilter(filter);
-    projection.SetFilterLevel(level);
-    EXPECT_TRUE(projection.Prepare(corners, source));
-    return projection;
-}
 
 // The point of the patch at (u, v).
 void patchPoint(const LCorners& c, double u, double v, double& x, double& y) {
@@ -62,7 +55,7 @@ TEST(LProjection, VerifyFourPointsRefusesEqualPointsAndDiagonalsThatDontCross) {
 }
 
 TEST(LProjection, PrepareSetsBothCoefficientBlocksAndNeedsASourceOfThreeByThree) {
-    LProjection projection = prepared(Slanted, {11, 11});
+    LProjection projection = PreparedProjection(Slanted, {11, 11});
     EXPECT_EQ(projection.GetDirect(), (LProjection::Coefficients{1, 2, -10, 2, 2, 33, -1, -2, -1, 8}));
     EXPECT_EQ(projection.GetSwapped(), (LProjection::Coefficients{2, 1, 10, -2, -2, -33, -4, 2, 8, -1}));
     EXPECT_FALSE(projection.GetSwapFirst());
@@ -78,7 +71,7 @@ TEST(LProjection, PrepareSetsBothCoefficientBlocksAndNeedsASourceOfThreeByThree)
 }
 
 TEST(LProjection, SolveInvertsThePatchInBothBranches) {
-    LProjection projection = prepared(Slanted, {11, 11});
+    LProjection projection = PreparedProjection(Slanted, {11, 11});
     double u = 0;
     double v = 0;
     // The centre of the patch, worked by hand through the quadratic: p = -4.5, D = 3.0625.
@@ -87,7 +80,7 @@ TEST(LProjection, SolveInvertsThePatchInBothBranches) {
     EXPECT_DOUBLE_EQ(v, 0.5);
 
     // A rectangle has no quadratic term: u = x / w and v = y / h.
-    LProjection flat = prepared(rectangle(8, 4), {9, 5});
+    LProjection flat = PreparedProjection(rectangle(8, 4), {9, 5});
     EXPECT_EQ(flat.GetDirect()[2], 0.0);
     ASSERT_TRUE(flat.Solve(2, 3, false, u, v));
     EXPECT_DOUBLE_EQ(u, 0.25);
@@ -103,7 +96,7 @@ TEST(LProjection, EveryPointOfConvexPatchesSolvesBackToItsPatchCoordinates) {
                                {CPoint{10, 0}, CPoint{40, 12}, CPoint{28, 41}, CPoint{-3, 30}},
                                {CPoint{0, 0}, CPoint{0, 30}, CPoint{40, 35}, CPoint{45, 2}}};
     for (const LCorners& corners : shapes) {
-        LProjection projection = prepared(corners, {50, 50});
+        LProjection projection = PreparedProjection(corners, {50, 50});
         for (double expectedU = 0.0; expectedU <= 1.0; expectedU += 0.125)
             for (double expectedV = 0.0; expectedV <= 1.0; expectedV += 0.125) {
                 double x = 0;
@@ -123,7 +116,7 @@ TEST(LProjection, EveryPointOfConvexPatchesSolvesBackToItsPatchCoordinates) {
 
 TEST(LProjection, CornersGoingRoundTheOtherWayTransposeThroughTheSwappedForm) {
     // P0 to P1 runs down: the direct form has no u term and the swapped one goes first.
-    LProjection projection = prepared({CPoint{0, 0}, CPoint{0, 9}, CPoint{9, 9}, CPoint{9, 0}}, {10, 10},
+    LProjection projection = PreparedProjection({CPoint{0, 0}, CPoint{0, 9}, CPoint{9, 9}, CPoint{9, 0}}, {10, 10},
                                       LProjection::FilterNearest);
     EXPECT_TRUE(projection.GetSwapFirst());
     LQuickPixel pixel;
@@ -134,7 +127,7 @@ TEST(LProjection, CornersGoingRoundTheOtherWayTransposeThroughTheSwappedForm) {
 
 TEST(LProjection, AnIdentityQuadrilateralMapsEveryPixelOntoItself) {
     const CSize size{17, 11};
-    LProjection projection = prepared(rectangle(size.cx - 1, size.cy - 1), size, LProjection::FilterNearest);
+    LProjection projection = PreparedProjection(rectangle(size.cx - 1, size.cy - 1), size, LProjection::FilterNearest);
     for (long y = 0; y < size.cy; ++y)
         for (long x = 0; x < size.cx; ++x) {
             LQuickPixel pixel;
@@ -154,7 +147,7 @@ TEST(LProjection, FilterModesWeighTheNeighboursAndSumToOne) {
     // Target and source alike 11 by 11: every pixel lies on the centre of its source pixel.
     auto weightsAt = [](std::int32_t mode, double level, long x, long y) {
         LQuickPixel pixel;
-        EXPECT_TRUE(prepared(rectangle(10, 10), {11, 11}, mode, level).MapPixel(x, y, pixel));
+        EXPECT_TRUE(PreparedProjection(rectangle(10, 10), {11, 11}, mode, level).MapPixel(x, y, pixel));
         return pixel;
     };
     const double edge = 1.0 / 6.0;
@@ -191,7 +184,7 @@ TEST(LProjection, FilterModesWeighTheNeighboursAndSumToOne) {
 
 TEST(LProjection, NeighboursOffTheSourceWeighNothingAndTheRestAreRenormalised) {
     LQuickPixel corner;
-    ASSERT_TRUE(prepared(rectangle(10, 10), {11, 11}).MapPixel(0, 0, corner));
+    ASSERT_TRUE(PreparedProjection(rectangle(10, 10), {11, 11}).MapPixel(0, 0, corner));
     const double expected[9] = {0, 0, 0, 0, 0.5, 0.25, 0, 0.25, 0};
     for (int i = 0; i < LQuickPixel::Count; ++i)
         EXPECT_EQ(corner.Weights[i], expected[i]) << i;
@@ -200,7 +193,7 @@ TEST(LProjection, NeighboursOffTheSourceWeighNothingAndTheRestAreRenormalised) {
 TEST(LProjection, APointHalfwayBetweenFourPixelsWeighsThemAlikeOrFallsBackToTheCentre) {
     // Target 0 to 10, source 10 wide: column 5 lands on 5.0, the corner of four pixels.
     LQuickPixel between;
-    ASSERT_TRUE(prepared(rectangle(10, 10), {10, 10}).MapPixel(5, 5, between));
+    ASSERT_TRUE(PreparedProjection(rectangle(10, 10), {10, 10}).MapPixel(5, 5, between));
     EXPECT_EQ(between.x, 5);
     EXPECT_EQ(between.y, 5);
     const double quarters[9] = {0.25, 0.25, 0, 0.25, 0.25, 0, 0, 0, 0};
@@ -209,7 +202,7 @@ TEST(LProjection, APointHalfwayBetweenFourPixelsWeighsThemAlikeOrFallsBackToTheC
 
     // With level 0.1 no neighbour keeps a positive weight: the centre takes all.
     LQuickPixel alone;
-    ASSERT_TRUE(prepared(rectangle(10, 10), {10, 10}, LProjection::FilterSquare, 0.1).MapPixel(5, 5, alone));
+    ASSERT_TRUE(PreparedProjection(rectangle(10, 10), {10, 10}, LProjection::FilterSquare, 0.1).MapPixel(5, 5, alone));
     const double centreOnly[9] = {0, 0, 0, 0, 1.0, 0, 0, 0, 0};
     for (int i = 0; i < LQuickPixel::Count; ++i)
         EXPECT_EQ(alone.Weights[i], centreOnly[i]) << i;

@@ -6,20 +6,13 @@
 #include "foundation/qvrCSyncObjects.h"
 #include "imaging/ImagingTestSupport.h"
 
+#include "ProjectionTestSupport.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
 constexpr std::uint32_t Untouched = 0x12345678;
-
-LProjection prepared(const LCorners& corners, CSize source, std::int32_t filter = LProjection::FilterLinear,
-                     double level = 2.0) {
-    LProjection projection;
-    projection.SetFilter(filter);
-    projection.SetFilterLevel(level);
-    EXPECT_TRUE(projection.Prepare(corners, source));
-    return projection;
-}
 
 LCorners box(long left, long top, long right, long bottom) {
     return {CPoint{left, top}, CPoint{right, top}, CPoint{right, bottom}, CPoint{left, bottom}};
@@ -45,7 +38,7 @@ protected:
 
 TEST(LQuickTable, RowsAndColumnsCoverExactlyThePatch) {
     LQuickTable table;
-    ASSERT_EQ(table.Build(prepared(box(2, 1, 7, 5), {6, 5}), {10, 8}, nullptr), LQuickTable::BuildDone);
+    ASSERT_EQ(table.Build(PreparedProjection(box(2, 1, 7, 5), {6, 5}), {10, 8}, nullptr), LQuickTable::BuildDone);
     EXPECT_EQ(table.GetFirstRow(), 1);
     EXPECT_EQ(table.GetLastRow(), 5);
     for (long row = 1; row <= 5; ++row) {
@@ -61,17 +54,17 @@ TEST(LQuickTable, RowsAndColumnsCoverExactlyThePatch) {
 
 TEST(LQuickTable, NothingToMapLeavesTheTableEmpty) {
     LQuickTable table;
-    EXPECT_EQ(table.Build(prepared(box(20, 20, 30, 30), {5, 5}), {10, 10}, nullptr), LQuickTable::BuildEmpty)
+    EXPECT_EQ(table.Build(PreparedProjection(box(20, 20, 30, 30), {5, 5}), {10, 10}, nullptr), LQuickTable::BuildEmpty)
         << "the patch lies wholly outside the target";
     EXPECT_TRUE(table.IsEmpty());
     EXPECT_EQ(
-        table.Build(prepared(box(0, 0, 9, 9), {5, 5}, LProjection::FilterLinear, 0.05), {10, 10}, nullptr),
+        table.Build(PreparedProjection(box(0, 0, 9, 9), {5, 5}, LProjection::FilterLinear, 0.05), {10, 10}, nullptr),
         LQuickTable::BuildEmpty)
         << "a filter level below 0.1";
-    EXPECT_EQ(table.Build(prepared(box(0, 0, 9, 9), {5, 5}), {0, 10}, nullptr), LQuickTable::BuildEmpty);
+    EXPECT_EQ(table.Build(PreparedProjection(box(0, 0, 9, 9), {5, 5}), {0, 10}, nullptr), LQuickTable::BuildEmpty);
 
     LQuickRow row;
-    EXPECT_FALSE(row.Build(prepared(box(0, 0, 9, 9), {5, 5}), 0, 3));
+    EXPECT_FALSE(row.Build(PreparedProjection(box(0, 0, 9, 9), {5, 5}), 0, 3));
     EXPECT_TRUE(row.IsEmpty());
 }
 
@@ -79,14 +72,14 @@ TEST(LQuickTable, ASetStopEventEndsTheBuild) {
     qvrCEvent stop;
     stop.Set();
     LQuickTable table;
-    EXPECT_EQ(table.Build(prepared(box(0, 0, 9, 9), {5, 5}), {10, 10}, &stop), LQuickTable::BuildStopped);
+    EXPECT_EQ(table.Build(PreparedProjection(box(0, 0, 9, 9), {5, 5}), {10, 10}, &stop), LQuickTable::BuildStopped);
     EXPECT_TRUE(table.IsEmpty());
 }
 
 TEST_F(LoggedTest, AFoldedRowRepeatsThePixelOnItsLeftAndLogsTheUnsurePoints) {
     // A chevron: the notch between P0, P1 and P2 folds the patch over the rows above P1.
     const LProjection projection =
-        prepared({CPoint{0, 0}, CPoint{20, 12}, CPoint{40, 0}, CPoint{20, 30}}, {9, 9});
+        PreparedProjection({CPoint{0, 0}, CPoint{20, 12}, CPoint{40, 0}, CPoint{20, 30}}, {9, 9});
     LQuickRow row;
     ASSERT_TRUE(row.Build(projection, 41, 6));
     long unsure = 0;
@@ -107,7 +100,7 @@ TEST_F(LoggedTest, AFoldedRowRepeatsThePixelOnItsLeftAndLogsTheUnsurePoints) {
 TEST(LQuickTable, NearestResamplingThroughAnIdentityTableCopiesTheSource) {
     const CSize size{23, 14};
     LQuickTable table;
-    ASSERT_EQ(table.Build(prepared(box(0, 0, size.cx - 1, size.cy - 1), size, LProjection::FilterNearest),
+    ASSERT_EQ(table.Build(PreparedProjection(box(0, 0, size.cx - 1, size.cy - 1), size, LProjection::FilterNearest),
                           size, nullptr),
               LQuickTable::BuildDone);
     auto source = qvrTest::MakeNoise(size.cx, size.cy, 7);
@@ -129,7 +122,7 @@ TEST(LQuickTable, ResamplingMixesEveryByteAndTruncates) {
     pixels[5 * 10 + 5] = d;
     auto source = qvrTest::MakePicture(10, 10, pixels);
     LQuickTable table;
-    ASSERT_EQ(table.Build(prepared(box(0, 0, 10, 10), {10, 10}), {11, 11}, nullptr), LQuickTable::BuildDone);
+    ASSERT_EQ(table.Build(PreparedProjection(box(0, 0, 10, 10), {10, 10}), {11, 11}, nullptr), LQuickTable::BuildDone);
     auto target = filled({11, 11}, Untouched);
     ASSERT_TRUE(table.Resample(*source, *target, nullptr));
     // Alpha (10+255+0+1)/4 = 66.5, red (20+0+255+1)/4 = 69, green 30/4 + 1/4 = 7.75, blue (43+0+1+1)/4
@@ -139,7 +132,7 @@ TEST(LQuickTable, ResamplingMixesEveryByteAndTruncates) {
 
 TEST(LQuickTable, ResamplingLeavesPixelsOutsideTheTableAlone) {
     LQuickTable table;
-    ASSERT_EQ(table.Build(prepared(box(3, 2, 8, 6), {4, 4}, LProjection::FilterNearest), {12, 9}, nullptr),
+    ASSERT_EQ(table.Build(PreparedProjection(box(3, 2, 8, 6), {4, 4}, LProjection::FilterNearest), {12, 9}, nullptr),
               LQuickTable::BuildDone);
     auto source = filled({4, 4}, 0xFF808080);
     auto target = filled({12, 9}, Untouched);
@@ -157,7 +150,7 @@ TEST(LQuickTable, ResamplingLeavesPixelsOutsideTheTableAlone) {
 
 TEST(LQuickTable, ResamplingRefusesAForeignSourceAndStopsOnTheEvent) {
     LQuickTable table;
-    ASSERT_EQ(table.Build(prepared(box(0, 0, 9, 9), {5, 5}), {10, 10}, nullptr), LQuickTable::BuildDone);
+    ASSERT_EQ(table.Build(PreparedProjection(box(0, 0, 9, 9), {5, 5}), {10, 10}, nullptr), LQuickTable::BuildDone);
     auto target = filled({10, 10}, Untouched);
     EXPECT_FALSE(table.Resample(*filled({6, 5}, 0), *target, nullptr));
     EXPECT_EQ(target->GetRow(0)[0], Untouched);
@@ -175,7 +168,7 @@ TEST(LQuickTable, EveryResamplingLoopGivesTheBytesOfThePlainOne) {
     for (std::int32_t mode = LProjection::FilterSquare; mode <= LProjection::FilterNearest; ++mode)
         for (double level : {0.3, 2.0, 9.0}) {
             LQuickTable table;
-            ASSERT_EQ(table.Build(prepared(corners, sourceSize, mode, level), {96, 72}, nullptr),
+            ASSERT_EQ(table.Build(PreparedProjection(corners, sourceSize, mode, level), {96, 72}, nullptr),
                       LQuickTable::BuildDone);
             auto plain = filled({96, 72}, Untouched);
             ASSERT_TRUE(table.Resample(*source, *plain, nullptr, LResampleLoop::Plain));
