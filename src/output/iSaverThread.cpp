@@ -1,5 +1,7 @@
 #include "output/iSaverThread.h"
 
+#include "foundation/qvrSplitWork.h"
+
 #include "foundation/qvrTrace.h"
 #include "output/iSaverWorkData.h"
 
@@ -35,7 +37,11 @@ bool iSaverThread::InitThreadData() {
 void iSaverThread::DoWork() {
     const std::shared_ptr<Control> control = Shared;
     const std::shared_ptr<Body> body = TheBody;
-    if (body) (*body)(*control);
+    if (body) {
+        // The thread keeps its core busy until its body ends: pictures are split only for spare cores.
+        qvrBusyCore busy;
+        (*body)(*control);
+    }
     control->EndedEvent.Set();
     control->Work->ThreadEnded(control->Index);
 }
