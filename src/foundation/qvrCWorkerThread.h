@@ -74,6 +74,8 @@ public:
     void Destroy(unsigned long waitMs);
 
     bool IsAlive() const;
+    // Waits up to `waitMs` for the thread to have left its last step; true when it has.
+    bool WaitForThreadEnd(unsigned long waitMs) { return waitForEnd(waitMs); }
     bool IsStopping() const { return StopEvent.IsSet(); }
     ThreadState GetState() const { return State; }
     bool GetInitOk() const { return InitOk; }

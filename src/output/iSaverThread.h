@@ -23,8 +23,11 @@ public:
 
     // Asks the body to end at its next stop test.
     void SignalStop() { Shared->StopEvent.Set(); }
-    // True once the thread's run is over; waits up to `waitMs` for it.
-    bool WaitForEnd(unsigned long waitMs) { return Shared->EndedEvent.Lock(waitMs); }
+    // True once the thread's run is over and the thread has left its last
+    // step, so that the object may go; waits up to `waitMs` for each.
+    bool WaitForEnd(unsigned long waitMs) {
+        return Shared->EndedEvent.Lock(waitMs) && WaitForThreadEnd(waitMs);
+    }
 
     // Counts the thread as running before any thread of the run is let in.
     bool InitThreadData() override;
