@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -36,6 +37,15 @@ hMatrix makeBell() {
     return matrix;
 }
 
+// The 3x3 cross that sharpens: 5 in the centre, -1 beside it.
+hMatrix makeSharpen() {
+    hMatrix matrix;
+    matrix.SetEntry(2, 2, 5 * hMatrix::One);
+    for (auto [x, y] : {std::pair{1, 2}, {3, 2}, {2, 1}, {2, 3}})
+        matrix.SetEntry(x, y, -hMatrix::One);
+    return matrix;
+}
+
 // All four values set, so every step runs for every pixel.
 void correctAllFour(benchmark::State& state, void (*correct)(EImageData&, const hCorrectionSettings&)) {
     const auto original = makeNoise(FullHD);
@@ -52,16 +62,18 @@ void correctAllFour(benchmark::State& state, void (*correct)(EImageData&, const 
 BENCHMARK_CAPTURE(correctAllFour, tables, CorrectPixels)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(correctAllFour, reference, CorrectPixelsReference)->Unit(benchmark::kMillisecond);
 
-void filterFiveByFive(benchmark::State& state,
-                      std::unique_ptr<EImageData> (hMatrix::*apply)(const EImageData&) const) {
+void filterFullHD(benchmark::State& state, hMatrix (*makeKernel)(),
+                  std::unique_ptr<EImageData> (hMatrix::*apply)(const EImageData&) const) {
     const auto source = makeNoise(FullHD);
-    const hMatrix bell = makeBell();
+    const hMatrix kernel = makeKernel();
     for (auto _ : state) {
-        auto filtered = (bell.*apply)(*source);
+        auto filtered = (kernel.*apply)(*source);
         benchmark::DoNotOptimize(filtered->GetBits());
     }
 }
-BENCHMARK_CAPTURE(filterFiveByFive, fast, &hMatrix::Apply)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(filterFiveByFive, reference, &hMatrix::ApplyReference)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(filterFullHD, bell_fast, makeBell, &hMatrix::Apply)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(filterFullHD, bell_reference, makeBell, &hMatrix::ApplyReference)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(filterFullHD, sharpen_fast, makeSharpen, &hMatrix::Apply)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -8,9 +8,11 @@
 #include "imaging/EImageData.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <climits>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #if defined(__SSE2__)
@@ -136,6 +138,7 @@ public:
                 if (upper.low != 0 || upper.high != 0 || lower.low != 0 || lower.high != 0)
                     Used.Take(pair, column);
             }
+        SumRow = rowSumFor();
         for (RowPair& pair : Cache)
             pair.Lanes.resize(static_cast<size_t>(Width + 2 * Reach));
         Sums.resize(static_cast<size_t>(Width));
@@ -147,10 +150,7 @@ public:
         for (long y = first; y < last; ++y) {
             const PixelLanes* pairs[Pairs] = {rowPair(y - Reach), rowPair(y - Reach + 2),
                                               rowPair(y - Reach + 4)};
-            if (HasHighHalves)
-                sumRow<true>(pairs);
-            else
-                sumRow<false>(pairs);
+            if (SumRow) (this->*SumRow)(pairs);
             storeQuotients(target.GetRow(y));
         }
     }
@@ -270,8 +270,8 @@ private:
         const __m128i shift = _mm_cvtsi32_si128(Shift);
         long x = 0;
         for (; x + 1 < Width; x += 2) {
-            const __m128i words = _mm_packs_epi32(_mm_sra_epi32(Sums[x].Value, shift),
-                                                  _mm_sra_epi32(Sums[x + 1].Value, shift));
+            const __m128i words =
+                _mm_packs_epi32(_mm_sra_epi32(Sums[x].Value, shift), _mm_sra_epi32(Sums[x + 1].Value, shift));
             _mm_storel_epi64(reinterpret_cast<__m128i*>(target + x), _mm_packus_epi16(words, words));
         }
         if (x < Width) {
@@ -286,20 +286,56 @@ private:
         return __builtin_ctz(static_cast<unsigned>(divisor));
     }
 
-    // Entries of 0 add nothing, so only the pairs and columns that hold others are weighed.
-    template <bool WithHighHalves> void sumRow(const PixelLanes* const* pairs) {
-        for (long x = 0; x < Width; ++x) {
-            __m128i low = _mm_setzero_si128();
-            __m128i high = _mm_setzero_si128();
-            for (int pair = Used.FirstPair; pair <= Used.LastPair; ++pair)
-                for (int column = Used.FirstColumn; column <= Used.LastColumn; ++column) {
-                    const __m128i lanes = pairs[pair][x + column].Value;
-                    low = _mm_add_epi32(low, _mm_madd_epi16(lanes, LowWeights[pair][column]));
-                    if constexpr (WithHighHalves)
-                        high = _mm_add_epi32(high, _mm_madd_epi16(lanes, HighWeights[pair][column]));
-                }
-            Sums[static_cast<size_t>(x)].Value = _mm_add_epi32(low, _mm_slli_epi32(high, 16));
+    // Entries of 0 add nothing, so only the pairs and columns that hold others
+    // are weighed. Their counts are fixed for the loop, so that it unrolls with
+    // the weights in registers.
+    template <int PairCount, int ColumnCount, bool WithHighHalves>
+    void sumRow(const PixelLanes* const* pairs) {
+        const PixelLanes* rows[PairCount];
+        __m128i low[PairCount][ColumnCount];
+        __m128i high[PairCount][ColumnCount];
+        for (int pair = 0; pair < PairCount; ++pair) {
+            rows[pair] = pairs[Used.FirstPair + pair] + Used.FirstColumn;
+            for (int column = 0; column < ColumnCount; ++column) {
+                low[pair][column] = LowWeights[Used.FirstPair + pair][Used.FirstColumn + column];
+                high[pair][column] = HighWeights[Used.FirstPair + pair][Used.FirstColumn + column];
+            }
         }
+        for (long x = 0; x < Width; ++x) {
+            __m128i lowSum = _mm_setzero_si128();
+            __m128i highSum = _mm_setzero_si128();
+#pragma GCC unroll 3
+            for (int pair = 0; pair < PairCount; ++pair)
+#pragma GCC unroll 5
+                for (int column = 0; column < ColumnCount; ++column) {
+                    const __m128i lanes = rows[pair][x + column].Value;
+                    lowSum = _mm_add_epi32(lowSum, _mm_madd_epi16(lanes, low[pair][column]));
+                    if constexpr (WithHighHalves)
+                        highSum = _mm_add_epi32(highSum, _mm_madd_epi16(lanes, high[pair][column]));
+                }
+            Sums[static_cast<size_t>(x)].Value = _mm_add_epi32(lowSum, _mm_slli_epi32(highSum, 16));
+        }
+    }
+
+    using RowSum = void (FastConvolution::*)(const PixelLanes* const*);
+
+    template <int PairCount, int... ColumnCounts>
+    static constexpr std::array<RowSum, 2 * sizeof...(ColumnCounts)>
+    rowSumsOf(std::integer_sequence<int, ColumnCounts...>) {
+        return {&FastConvolution::sumRow<PairCount, ColumnCounts + 1, false>...,
+                &FastConvolution::sumRow<PairCount, ColumnCounts + 1, true>...};
+    }
+
+    // The row sum for the used part of the kernel.
+    RowSum rowSumFor() const {
+        if (Used.LastPair < Used.FirstPair) return nullptr;
+        static_assert(Pairs == 3, "one row of sums for each count of row pairs");
+        using Columns = std::make_integer_sequence<int, hMatrix::Side>;
+        static constexpr std::array<std::array<RowSum, 2 * hMatrix::Side>, Pairs> sums = {
+            rowSumsOf<1>(Columns{}), rowSumsOf<2>(Columns{}), rowSumsOf<3>(Columns{})};
+        const int columns = Used.LastColumn - Used.FirstColumn + 1;
+        return sums[static_cast<size_t>(Used.LastPair - Used.FirstPair)]
+                   [static_cast<size_t>((HasHighHalves ? hMatrix::Side : 0) + columns - 1)];
     }
 
     const EImageData& Source;
@@ -310,6 +346,7 @@ private:
     __m128i HighWeights[Pairs][hMatrix::Side];
     bool HasHighHalves = false;
     UsedPart Used;
+    RowSum SumRow = nullptr;
     // The row pairs of the rows around the present one: the first rows y - 2, y and y + 2.
     std::array<RowPair, 6> Cache;
     std::vector<PixelLanes> Sums;
@@ -364,8 +401,9 @@ std::unique_ptr<EImageData> hMatrix::Apply(const EImageData& source) const {
     std::unique_ptr<EImageData> target = newTarget(source, Divisor);
     // Each half of the rows has a convolution of its own, with its own row cache.
     if (target)
-        qvrSplitInTwo(source.GetHeight(), SplitFromRows,
-                      [&](long first, long last) { FastConvolution(*this, source).Run(*target, first, last); });
+        qvrSplitInTwo(source.GetHeight(), SplitFromRows, [&](long first, long last) {
+            FastConvolution(*this, source).Run(*target, first, last);
+        });
     return target;
 #else
     return ApplyReference(source);
