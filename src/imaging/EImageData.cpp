@@ -33,7 +33,8 @@ constexpr int PictureMemoryKeptUpTo = 64 * 1024 * 1024;
 constexpr int HeapKeptUpTo = 512 * 1024 * 1024;
 
 [[maybe_unused]] const bool pictureMemoryKept = [] {
-    return ::mallopt(M_MMAP_THRESHOLD, PictureMemoryKeptUpTo) == 1 && ::mallopt(M_TRIM_THRESHOLD, HeapKeptUpTo) == 1;
+    return ::mallopt(M_MMAP_THRESHOLD, PictureMemoryKeptUpTo) == 1 &&
+           ::mallopt(M_TRIM_THRESHOLD, HeapKeptUpTo) == 1;
 }();
 
 using ExpTable = std::array<double, ExpTableLast + 1>;
@@ -133,11 +134,21 @@ void storePixel(std::uint32_t& target, std::uint32_t pixel, EImageBlend blend, s
 } // namespace
 
 std::unique_ptr<EImageData> EImageData::New(CSize size, EImageMemory memory) {
+    return NewWith(size, memory, Pixels::Cleared);
+}
+
+std::unique_ptr<EImageData> EImageData::NewFilled(CSize size, EImageMemory memory, std::uint32_t colour) {
+    std::unique_ptr<EImageData> picture = NewWith(size, memory, Pixels::Unset);
+    if (picture) picture->Fill(colour);
+    return picture;
+}
+
+std::unique_ptr<EImageData> EImageData::NewWith(CSize size, EImageMemory memory, Pixels pixels) {
     if (size.cx < 0 || size.cy < 0) return nullptr;
     bool alreadyFreed = memory == EImageMemory::NoFreeing;
     while (true) {
         std::unique_ptr<EImageData> picture(new (std::nothrow) EImageData);
-        if (picture && picture->Create(size.cx, size.cy)) return picture;
+        if (picture && picture->Create(size.cx, size.cy, pixels)) return picture;
         picture.reset();
         const long need = MemoryNeed(size);
         if (alreadyFreed) break;
@@ -163,13 +174,15 @@ long EImageData::MemoryNeed(CSize size) {
     return bytes + PictureOverhead;
 }
 
-bool EImageData::Create(long newWidth, long newHeight) {
+bool EImageData::Create(long newWidth, long newHeight, Pixels pixels) {
     if (newWidth > INT32_MAX || newHeight > INT32_MAX) return false;
     size_t pixelCount = 0;
     if (__builtin_mul_overflow(static_cast<size_t>(newWidth), static_cast<size_t>(newHeight), &pixelCount) ||
         pixelCount > PTRDIFF_MAX / 4)
         return false;
-    bits.reset(static_cast<std::uint32_t*>(std::calloc(std::max<size_t>(pixelCount, 1), 4)));
+    const size_t words = std::max<size_t>(pixelCount, 1);
+    bits.reset(static_cast<std::uint32_t*>(pixels == Pixels::Cleared ? std::calloc(words, 4)
+                                                                     : std::malloc(words * 4)));
     rowTable.reset(new (std::nothrow) std::uint32_t*[static_cast<size_t>(newHeight)]);
     if (!bits || !rowTable) return false;
     width = newWidth;
@@ -185,7 +198,8 @@ bool EImageData::IsInside(const CRect& rect) const {
 }
 
 std::unique_ptr<EImageData> EImageData::CopyOfPart(const CRect& rect) const {
-    std::unique_ptr<EImageData> copy = New({rect.Width(), rect.Height()}, EImageMemory::MayFree);
+    std::unique_ptr<EImageData> copy =
+        NewWith({rect.Width(), rect.Height()}, EImageMemory::MayFree, Pixels::Unset);
     if (!copy) return nullptr;
     for (long y = 0; y < copy->height; ++y)
         std::memcpy(copy->GetRow(y), GetRow(rect.top + y) + rect.left, static_cast<size_t>(copy->width) * 4);
@@ -424,7 +438,8 @@ void EImageData::StretchFilteredFast(const EImageData& source, const CRect& sour
         for (long j = first; j < last; ++j) {
             std::uint32_t* targetRow = GetRow(targetRect.top + j) + targetRect.left;
             for (long i = 0; i < targetRect.Width(); ++i)
-                storePixel(targetRow[i], fastFilteredPixel(source, columns, i, rows, j), blend, source.opacity);
+                storePixel(targetRow[i], fastFilteredPixel(source, columns, i, rows, j), blend,
+                           source.opacity);
         }
     });
 }

@@ -29,6 +29,8 @@ public:
     // A new picture of the size (0 allowed), every pixel 0; null for a negative
     // size or when memory is short, after one retry if freeing is allowed.
     static std::unique_ptr<EImageData> New(CSize size, EImageMemory memory);
+    // The same, every pixel the colour: the pixels are written once, not cleared first.
+    static std::unique_ptr<EImageData> NewFilled(CSize size, EImageMemory memory, std::uint32_t colour);
     // Bytes that a picture of the size costs, as the image cache counts them.
     static long MemoryNeed(CSize size);
 
@@ -88,9 +90,13 @@ private:
         void operator()(std::uint32_t* block) const { std::free(block); }
     };
 
+    // Whether a new picture's pixels are set to 0 or left for its maker to write, every one.
+    enum class Pixels : bool { Unset = false, Cleared = true };
+
     EImageData() = default;
+    static std::unique_ptr<EImageData> NewWith(CSize size, EImageMemory memory, Pixels pixels);
     // Allocates pixels and row table; false when memory is short or the size too large.
-    bool Create(long newWidth, long newHeight);
+    bool Create(long newWidth, long newHeight, Pixels pixels);
     bool IsInside(const CRect& rect) const;
     // A new picture with a copy of the rectangle, which the caller has checked.
     std::unique_ptr<EImageData> CopyOfPart(const CRect& rect) const;

@@ -64,9 +64,7 @@ EImageFilter filterFor(ERotateQuality quality) {
 
 // A picture of the size showing nothing but background; null when memory is short.
 std::unique_ptr<EImageData> emptyPicture(EImageSize size) {
-    std::unique_ptr<EImageData> picture = EImageData::New(size.ToSize(), EImageMemory::MayFree);
-    if (picture) picture->Fill(Background);
-    return picture;
+    return EImageData::NewFilled(size.ToSize(), EImageMemory::MayFree, Background);
 }
 
 // The display size that a final render asks of the parent for the section: the

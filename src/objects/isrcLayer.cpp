@@ -109,7 +109,8 @@ bool isrcLayer::doRender(EImage& image, iRenderResult& result, iRenderRequest& r
     }
     const CSize pictureSize =
         request.FullSize ? CSize{request.Rect.Width(), request.Rect.Height()} : request.DisplaySize.ToSize();
-    std::unique_ptr<EImageData> picture = EImageData::New(pictureSize, EImageMemory::MayFree);
+    std::unique_ptr<EImageData> picture =
+        EImageData::NewFilled(pictureSize, EImageMemory::MayFree, GetColor(request.Frame));
     if (!picture) {
         qvrTraceVerbose(
             "*** ERROR[isrcLayer::doRender()]: Can't allocate memory for rendering layer \"%s\" !\n",
@@ -117,7 +118,6 @@ bool isrcLayer::doRender(EImage& image, iRenderResult& result, iRenderRequest& r
         result.SetError(render_out_of_memory, this, text_out_of_memory);
         return false;
     }
-    picture->Fill(GetColor(request.Frame));
     EImageLock lock(image);
     lock.Lock(-1);
     lock.SetData(std::move(picture));

@@ -26,9 +26,7 @@ CSize sizeOf(const CRect& rect) {
 
 // A picture of the size in the empty colour; null when memory is short.
 std::unique_ptr<EImageData> emptyPicture(CSize size) {
-    auto picture = EImageData::New(size, EImageMemory::MayFree);
-    if (picture) picture->Fill(EmptyColour);
-    return picture;
+    return EImageData::NewFilled(size, EImageMemory::MayFree, EmptyColour);
 }
 
 // A render request that gives up once the run's stop event is set.

@@ -23,6 +23,17 @@ TEST(ImageData, NewMakesZeroedBottomUpPicturesAndRefusesNegativeSizes) {
     EXPECT_TRUE(cache.freeRequests.empty());
 }
 
+TEST(ImageData, NewFilledWritesEveryPixelInTheColourEvenInReusedMemory) {
+    for (int round = 0; round < 2; ++round) {
+        EImageData::New({64, 64}, EImageMemory::NoFreeing)->Fill(W); // leaves white memory behind
+        const auto filled = EImageData::NewFilled({64, 64}, EImageMemory::NoFreeing, R);
+        EXPECT_EQ(PixelsOf(*filled), Pixels(64 * 64, R));
+        EXPECT_EQ(PixelsOf(*EImageData::New({64, 64}, EImageMemory::NoFreeing)), Pixels(64 * 64, 0u));
+    }
+    EXPECT_TRUE(EImageData::NewFilled({0, 3}, EImageMemory::NoFreeing, R));
+    EXPECT_FALSE(EImageData::NewFilled({-1, 3}, EImageMemory::NoFreeing, R));
+}
+
 TEST(ImageData, NewRetriesOnceAfterTheCacheFreedMemory) {
     qvrTest::FakeImageCache cache;
     cache.answerFreed = true;
