@@ -251,9 +251,14 @@ void EImageData::CopyRect(const EImageData& source, const CRect& sourceRect, CPo
                           EImageBlend blend) {
     if (!source.IsInside(sourceRect) || target.x < 0 || target.y < 0) return;
     if (target.x + sourceRect.Width() > width || target.y + sourceRect.Height() > height) return;
-    for (long y = 0; y < sourceRect.Height(); ++y)
-        copyPixels(GetRow(target.y + y) + target.x, source.GetRow(sourceRect.top + y) + sourceRect.left,
-                   sourceRect.Width(), blend, source.opacity);
+    // Blended rows of another picture go in two halves at once; a picture's own
+    // rows may overlap and keep their order.
+    const long splitFromRows = blend == EImageBlend::Blend && &source != this ? SplitFromRows : LONG_MAX;
+    qvrSplitInTwo(sourceRect.Height(), splitFromRows, [&](long first, long last) {
+        for (long y = first; y < last; ++y)
+            copyPixels(GetRow(target.y + y) + target.x, source.GetRow(sourceRect.top + y) + sourceRect.left,
+                       sourceRect.Width(), blend, source.opacity);
+    });
 }
 
 void EImageData::CopyRectOnColour(const EImageData& source, const CRect& sourceRect, CPoint target,

@@ -127,10 +127,10 @@ TEST(ImageData, FastFilterGivesTheReferenceBytesAtEveryScale) {
     auto source = MakeNoise(200, 160, 1);
     source->opacity = 140;
     const std::vector<std::pair<CRect, CRect>> cases = {
-        {{0, 0, 61, 47}, {0, 0, 23, 18}},   {{0, 0, 61, 47}, {0, 0, 150, 101}},
-        {{5, 3, 40, 44}, {2, 7, 33, 29}},   {{0, 0, 61, 47}, {0, 0, 60, 47}},
-        {{10, 10, 11, 11}, {0, 0, 150, 9}}, {{0, 0, 128, 128}, {0, 0, 1, 1}},
-        {{0, 0, 129, 129}, {0, 0, 1, 1}}, // the largest footprint of the fast loop, and one beyond
+        {{0, 0, 61, 47}, {0, 0, 23, 18}},    {{0, 0, 61, 47}, {0, 0, 150, 101}},
+        {{5, 3, 40, 44}, {2, 7, 33, 29}},    {{0, 0, 61, 47}, {0, 0, 60, 47}},
+        {{10, 10, 11, 11}, {0, 0, 150, 9}},  {{0, 0, 128, 128}, {0, 0, 1, 1}},
+        {{0, 0, 129, 129}, {0, 0, 1, 1}},      // the largest footprint of the fast loop, and one beyond
         {{0, 0, 200, 160}, {0, 0, 150, 140}}}; // enough rows to be stretched in two halves
     for (const auto& [from, to] : cases) {
         for (EImageBlend blend : {EImageBlend::Copy, EImageBlend::Blend}) {
@@ -160,6 +160,18 @@ TEST(ImageData, BlendPixelsGivesTheBytesOfBlendPixelEvenOnOverlappingRows) {
                       EImageBlend::Blend); // each pixel blends the one just written
     EXPECT_EQ(Pixels(targets->GetRow(0), targets->GetRow(0) + 9),
               Pixels(expected.begin(), expected.begin() + 9));
+
+    // A tall picture, blended in two halves of rows at once, pixel by pixel alike.
+    auto tallSource = MakeNoise(37, 301, 5);
+    auto tallTarget = MakeNoise(40, 310, 6);
+    auto expectedTall = tallTarget->Clone();
+    tallSource->opacity = 200;
+    for (long y = 0; y < 301; ++y)
+        for (long x = 0; x < 37; ++x)
+            expectedTall->GetRow(y + 7)[x + 2] =
+                BlendPixel(tallTarget->GetRow(y + 7)[x + 2], tallSource->GetRow(y)[x], 200);
+    tallTarget->CopyRect(*tallSource, {0, 0, 37, 301}, {2, 7}, EImageBlend::Blend);
+    EXPECT_EQ(PixelsOf(*tallTarget), PixelsOf(*expectedTall));
 }
 
 TEST(ImageData, MapRectScalesEachAxisByTruncatingDivision) {
