@@ -16,7 +16,6 @@ extern "C" {
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -190,18 +189,22 @@ std::string qvrCAVIStream::StatusText(long statusNumber) {
 bool qvrCAVIStream::WritePacket(AVPacket& packet, const AVRational& timeBase) {
     AVStream* stream = container->streams[packet.stream_index];
     av_packet_rescale_ts(&packet, timeBase, stream->time_base);
-    const int result = av_interleaved_write_frame(container, &packet);
+    const int result = av_write_frame(container, &packet);
     return result >= 0 || Fail(statusOf(result, StatusFileWrite));
 }
 
 bool qvrCAVIStream::WriteData(const AVStream& stream, const void* data, size_t size, int64_t time,
                               int64_t duration, const AVRational& timeBase) {
+    if (size > INT_MAX) return Fail(StatusMemory);
+    if (!data) {
+        if (zeros.size() < size) zeros.resize(size);
+        data = zeros.data();
+    }
     PacketPointer packet(av_packet_alloc());
-    if (!packet || av_new_packet(packet.get(), static_cast<int>(size)) < 0) return Fail(StatusMemory);
-    if (data)
-        std::memcpy(packet->data, data, size);
-    else
-        std::memset(packet->data, 0, size);
+    if (!packet) return Fail(StatusMemory);
+    // A packet without a buffer of its own: the muxer reads the bytes in place.
+    packet->data = static_cast<std::uint8_t*>(const_cast<void*>(data));
+    packet->size = static_cast<int>(size);
     packet->pts = packet->dts = time;
     packet->duration = duration;
     packet->flags |= AV_PKT_FLAG_KEY;

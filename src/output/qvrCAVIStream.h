@@ -112,7 +112,8 @@ protected:
     unsigned long GetRate() const { return rate; }
     // Writes one key packet of `size` bytes into the stream, the bytes of
     // `data` or, with null, zeros; its time and length count in `timeBase`
-    // units. False with the status set on failure.
+    // units. The bytes go to the file as they are, without a copy. False with
+    // the status set on failure.
     bool WriteData(const AVStream& stream, const void* data, size_t size, int64_t time, int64_t duration,
                    const AVRational& timeBase);
     // Sets status and error text; an empty text takes the status's text. Returns false.
@@ -125,6 +126,8 @@ private:
     bool WriteHeader();
     bool OpenEncoder(const qvrCAVICompressor& compressor, const Options& options);
     // Writes a packet whose times count in `timeBase` units into its stream.
+    // Packets come in the order of their times, so they are written as they
+    // come, with no interleaving queue that would have to copy them.
     bool WritePacket(AVPacket& packet, const AVRational& timeBase);
     bool WriteEncoded(const EImageData* image);
     bool DrainEncoder();
@@ -143,4 +146,5 @@ private:
     AVFrame* encoderFrame = nullptr;
     unsigned long frameCount = 0;
     bool open = false;
+    std::vector<std::uint8_t> zeros;
 };
