@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 iFactoryProducerOf<imodCorrection> imodCorrection::Producer(iModifier::ClassType, "Image Correction");
@@ -33,6 +35,8 @@ struct FixedCorrection {
           saturation(static_cast<std::int32_t>(
               (settings.Saturation > 0 ? 2 * settings.Saturation : settings.Saturation) + 100)),
           contrast(static_cast<std::int32_t>(settings.Contrast + 100)) {}
+
+    bool operator==(const FixedCorrection&) const = default;
 };
 
 constexpr std::int32_t half = 0x800;      // one half in 12 fractional bits
@@ -72,7 +76,8 @@ std::uint32_t correctPixel(std::uint32_t pixel, const FixedCorrection& fixed) {
 class CorrectionTables {
 public:
     explicit CorrectionTables(const FixedCorrection& fixed)
-        : rowStride(fixed.saturation != 100 ? 256 : 0), colour(fixed.saturation != 100 ? 766 * 256 : 256) {
+        : settings(fixed), rowStride(fixed.saturation != 100 ? 256 : 0),
+          colour(fixed.saturation != 100 ? 766 * 256 : 256) {
         for (size_t sum = 0; sum * 256 < colour.size(); ++sum) {
             const std::int32_t mean = static_cast<std::int32_t>(sum << fractionBits) / 3;
             for (std::uint32_t value = 0; value < 256; ++value)
@@ -92,11 +97,24 @@ public:
                std::uint32_t{row[green]} << 8 | row[blue];
     }
 
+    const FixedCorrection& Settings() const { return settings; }
+
 private:
+    const FixedCorrection settings;
     const size_t rowStride;
     std::vector<std::uint8_t> colour;
     std::array<std::uint8_t, 256> alpha;
 };
+
+// The tables of the settings. The last ones made are kept, as the settings
+// mostly stay the same from frame to frame.
+std::shared_ptr<const CorrectionTables> tablesFor(const FixedCorrection& fixed) {
+    static std::mutex guard;
+    static std::shared_ptr<const CorrectionTables> last;
+    const std::lock_guard lock(guard);
+    if (!last || !(last->Settings() == fixed)) last = std::make_shared<const CorrectionTables>(fixed);
+    return last;
+}
 
 // Corrects the rows from `first` up to `last`.
 template <class Correction>
@@ -116,13 +134,14 @@ long RoundValue(double value) {
 
 void CorrectPixelsReference(EImageData& picture, const hCorrectionSettings& settings) {
     const FixedCorrection fixed(settings);
-    correctRows(picture, [&fixed](std::uint32_t pixel) { return correctPixel(pixel, fixed); }, 0,
-                picture.GetHeight());
+    correctRows(
+        picture, [&fixed](std::uint32_t pixel) { return correctPixel(pixel, fixed); }, 0,
+        picture.GetHeight());
 }
 
 void CorrectPixels(EImageData& picture, const hCorrectionSettings& settings) {
-    const CorrectionTables tables{FixedCorrection(settings)};
-    const auto correct = [&tables](std::uint32_t pixel) { return tables.Correct(pixel); };
+    const std::shared_ptr<const CorrectionTables> tables = tablesFor(FixedCorrection(settings));
+    const auto correct = [&tables](std::uint32_t pixel) { return tables->Correct(pixel); };
     qvrSplitInTwo(picture.GetHeight(), SplitFromRows,
                   [&](long first, long last) { correctRows(picture, correct, first, last); });
 }
