@@ -371,9 +371,66 @@ std::uint32_t referenceFilteredPixel(const EImageData& source, const CRect& sour
     return pixel;
 }
 
+#if defined(__SSE2__)
+// The weighted sums of the four channels in the 32-bit lanes of one register.
+class FootprintSums {
+public:
+    // A weight is at most 1024, so it and the channel bytes fit signed 16-bit
+    // lanes: one multiply-add weighs all four channels.
+    void Add(std::uint32_t pixel, std::uint32_t weight) {
+        const __m128i zero = _mm_setzero_si128();
+        const __m128i channels =
+            _mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(static_cast<int>(pixel)), zero), zero);
+        sums = _mm_add_epi32(sums, _mm_madd_epi16(channels, _mm_set1_epi32(static_cast<int>(weight))));
+    }
+
+    // The four quotients, truncated, as one pixel. The sums wrap as unsigned
+    // 32-bit numbers; they are turned into doubles as signed ones, moved by
+    // 2^31 and back, which is exact.
+    std::uint32_t Pixel(std::uint32_t weightSum) const {
+        const __m128i moved = _mm_xor_si128(sums, _mm_set1_epi32(INT32_MIN));
+        const __m128d back = _mm_set1_pd(0x1p31);
+        const __m128d divisor = _mm_set1_pd(static_cast<double>(weightSum));
+        const __m128d most = _mm_set1_pd(255.0);
+        const __m128d blueGreen = _mm_add_pd(_mm_cvtepi32_pd(moved), back);
+        const __m128d redAlpha = _mm_add_pd(_mm_cvtepi32_pd(_mm_shuffle_epi32(moved, 0xEE)), back);
+        const __m128i quotients =
+            _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_min_pd(_mm_div_pd(blueGreen, divisor), most)),
+                               _mm_cvttpd_epi32(_mm_min_pd(_mm_div_pd(redAlpha, divisor), most)));
+        const __m128i words = _mm_packs_epi32(quotients, quotients);
+        return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+    }
+
+private:
+    __m128i sums = _mm_setzero_si128();
+};
+#else
+class FootprintSums {
+public:
+    void Add(std::uint32_t pixel, std::uint32_t weight) {
+        for (int channel = 0; channel < 4; ++channel)
+            sums[channel] += weight * ((pixel >> (8 * channel)) & 0xFF);
+    }
+
+    std::uint32_t Pixel(std::uint32_t weightSum) const {
+        std::uint32_t pixel = 0;
+        for (int channel = 0; channel < 4; ++channel)
+            pixel |=
+                std::min(static_cast<std::uint32_t>(static_cast<double>(sums[channel]) / weightSum), 255u)
+                << (8 * channel);
+        return pixel;
+    }
+
+private:
+    std::uint32_t sums[4] = {0, 0, 0, 0};
+};
+#endif
+
 // One target pixel of the fast filter, from the precomputed footprints of its
 // column and row and the integer weight table; 32-bit sums suffice, as the
-// footprint holds at most LargestFastFootprint pixels.
+// footprint holds at most LargestFastFootprint pixels. A quotient below 256 of
+// integers below 2^32 is exact enough in double precision that the truncated
+// double is the integer quotient.
 std::uint32_t fastFilteredPixel(const EImageData& source, const FilterFootprints& columns, long i,
                                 const FilterFootprints& rows, long j) {
     const std::array<std::uint32_t, ExpTableLast + 1>& weights = filterWeights();
@@ -381,7 +438,7 @@ std::uint32_t fastFilteredPixel(const EImageData& source, const FilterFootprints
     const double* dySquares = rows.SquaresOf(j);
     const long x0 = columns.first[i];
     const long count = columns.last[i] - x0 + 1;
-    std::uint32_t sums[4] = {0, 0, 0, 0};
+    FootprintSums sums;
     std::uint32_t weightSum = 0;
     for (long y = rows.first[j]; y <= rows.last[j]; ++y) {
         const std::uint32_t* sourcePixels = source.GetRow(y) + x0;
@@ -391,22 +448,11 @@ std::uint32_t fastFilteredPixel(const EImageData& source, const FilterFootprints
             const double index = -(r * r) * -100.0; // as ExpLookup(-(r * r)) indexes its table
             if (!(index < ExpTableLast + 1)) continue;
             const std::uint32_t weight = weights[static_cast<size_t>(index)];
-            const std::uint32_t pixel = sourcePixels[k];
-            sums[0] += weight * (pixel & 0xFF);
-            sums[1] += weight * ((pixel >> 8) & 0xFF);
-            sums[2] += weight * ((pixel >> 16) & 0xFF);
-            sums[3] += weight * (pixel >> 24);
+            sums.Add(sourcePixels[k], weight);
             weightSum += weight;
         }
     }
-    weightSum = std::max(weightSum, 1u);
-    std::uint32_t pixel = 0;
-    // A quotient below 256 of integers below 2^32 and 2^24 is exact in double
-    // precision, so the truncated double is the integer quotient.
-    for (int channel = 0; channel < 4; ++channel)
-        pixel |= std::min(static_cast<std::uint32_t>(static_cast<double>(sums[channel]) / weightSum), 255u)
-                 << (8 * channel);
-    return pixel;
+    return sums.Pixel(std::max(weightSum, 1u));
 }
 
 } // namespace

@@ -141,6 +141,11 @@ TEST(ImageData, FastFilterGivesTheReferenceBytesAtEveryScale) {
             EXPECT_EQ(PixelsOf(*fast), PixelsOf(*reference)) << to.Width() << "x" << to.Height();
         }
     }
+    // White under the largest footprint: channel sums beyond 2^31.
+    auto white = MakePicture(128, 128, Pixels(128 * 128, W));
+    auto one = EImageData::New({1, 1}, EImageMemory::NoFreeing);
+    one->Stretch(*white, {0, 0, 128, 128}, {0, 0, 1, 1}, EImageBlend::Copy, EImageFilter::Filtered);
+    EXPECT_EQ(one->GetRow(0)[0], W);
 }
 
 TEST(ImageData, BlendPixelsGivesTheBytesOfBlendPixelEvenOnOverlappingRows) {
