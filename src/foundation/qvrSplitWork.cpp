@@ -1,13 +1,18 @@
 #include "foundation/qvrSplitWork.h"
 
+#include <algorithm>
 #include <atomic>
 
 namespace {
 
-// Cores that neither a busy render thread nor the second half of a split
-// keeps; below 0 while more busy threads run than there are cores.
+long machineCores() {
+    return static_cast<long>(std::thread::hardware_concurrency());
+}
+
+// Cores that neither a busy render thread, a core limit nor the second half of
+// a split keeps; below 0 while more are kept than there are cores.
 std::atomic<long>& spareCores() {
-    static std::atomic<long> cores{static_cast<long>(std::thread::hardware_concurrency())};
+    static std::atomic<long> cores{machineCores()};
     return cores;
 }
 
@@ -22,10 +27,14 @@ bool qvrSpareCores::TryTake() {
     return false;
 }
 
-void qvrSpareCores::GiveBack() {
-    ++spareCores();
+void qvrSpareCores::GiveBack(long count) {
+    spareCores() += count;
 }
 
-void qvrSpareCores::Take() {
-    --spareCores();
+void qvrSpareCores::Take(long count) {
+    spareCores() -= count;
+}
+
+qvrCoreLimit::qvrCoreLimit(long cores) : withheld(std::max(machineCores() - std::max(cores, 1L), 0L)) {
+    qvrSpareCores::Take(withheld);
 }

@@ -7,7 +7,10 @@
 //
 // A split needs a spare core. Render threads that keep a core busy for a
 // whole run say so with a qvrBusyCore, so that a run with a thread for every
-// core renders without splitting, and one with a single thread splits.
+// core renders without splitting. A run that was given fewer cores than the
+// machine has keeps the rest out of reach with a qvrCoreLimit: a movie, which
+// renders on one thread whatever it was given, splits into the second core it
+// was given, and a run told to use one core uses one.
 
 #include <system_error>
 #include <thread>
@@ -15,10 +18,10 @@
 namespace qvrSpareCores {
 // Takes a spare core for a split; false when none is left.
 bool TryTake();
-// Gives a core back: after a split, or when a busy thread ends.
-void GiveBack();
-// Counts a core as taken, even when none was spare.
-void Take();
+// Gives cores back: after a split, when a busy thread ends, or what Take counted.
+void GiveBack(long count = 1);
+// Counts cores as taken, even when none were spare.
+void Take(long count = 1);
 } // namespace qvrSpareCores
 
 // Holds a core for as long as it lives.
@@ -28,6 +31,18 @@ public:
     ~qvrBusyCore() { qvrSpareCores::GiveBack(); }
     qvrBusyCore(const qvrBusyCore&) = delete;
     qvrBusyCore& operator=(const qvrBusyCore&) = delete;
+};
+
+// Takes the machine's cores beyond `cores` for as long as it lives.
+class qvrCoreLimit {
+public:
+    explicit qvrCoreLimit(long cores);
+    ~qvrCoreLimit() { qvrSpareCores::GiveBack(withheld); }
+    qvrCoreLimit(const qvrCoreLimit&) = delete;
+    qvrCoreLimit& operator=(const qvrCoreLimit&) = delete;
+
+private:
+    long withheld;
 };
 
 // Runs work(first, last) over [0, count): in two halves at once when the count

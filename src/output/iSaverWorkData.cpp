@@ -39,8 +39,9 @@ void iSaverWorkData::resetRun(std::uint32_t total) {
     Remaining = total;
 }
 
-bool iSaverWorkData::launchThreads(std::vector<std::unique_ptr<iSaverThread>> threads) {
+bool iSaverWorkData::launchThreads(std::vector<std::unique_ptr<iSaverThread>> threads, std::uint32_t cores) {
     Threads = std::move(threads);
+    CoreLimit.emplace(static_cast<long>(cores));
     bool any = false;
     for (auto& thread : Threads) {
         thread->Priority = qvrCWorkerThread::PriorityBelowNormal;
@@ -51,6 +52,7 @@ bool iSaverWorkData::launchThreads(std::vector<std::unique_ptr<iSaverThread>> th
     }
     if (!any) {
         Threads.clear();
+        CoreLimit.reset();
         return false;
     }
     for (const auto& thread : Threads)
@@ -78,6 +80,7 @@ bool iSaverWorkData::Stop() {
     }
     if (alive) return false;
     Threads.clear();
+    CoreLimit.reset();
     releaseOutput();
     return true;
 }
@@ -91,6 +94,7 @@ void iSaverWorkData::Kill(long seconds) {
         std::this_thread::sleep_for(std::chrono::milliseconds(KillRoundMs));
     }
     Threads.clear();
+    CoreLimit.reset();
     markForcedEnd();
 }
 

@@ -11,11 +11,13 @@
 // up keeps what it uses; the owner calls Kill before it lets its reference go.
 
 #include "foundation/qvrCSyncObjects.h"
+#include "foundation/qvrSplitWork.h"
 #include "output/iSaverSetup.h"
 
 #include <cstdint>
 #include <ctime>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -83,8 +85,9 @@ protected:
     void countFrame(bool success);
     // Launches the threads, each waiting before the first is let in, so that
     // all have counted themselves as running before any can end the run.
-    // Threads that won't launch are dropped; false when none launched.
-    bool launchThreads(std::vector<std::unique_ptr<iSaverThread>> threads);
+    // Threads that won't launch are dropped; false when none launched. The
+    // run keeps to the cores it was given until its threads are gone.
+    bool launchThreads(std::vector<std::unique_ptr<iSaverThread>> threads, std::uint32_t cores);
     // Lets go of the output that the threads shared, once they are all gone.
     virtual void releaseOutput() {}
 
@@ -99,6 +102,7 @@ private:
 
     std::shared_ptr<isvrSaverRunWindow> Window;
     std::vector<std::unique_ptr<iSaverThread>> Threads;
+    std::optional<qvrCoreLimit> CoreLimit;
 
     qvrCCriticalSection StateLock; // the running count, the times and the two flags
     long Running = 0;

@@ -57,8 +57,10 @@ bool isvrSaverWorkData::Start(std::uint32_t threadCount, std::uint32_t first, st
     StopOnError = stopOnError;
     ReplaceBadFrames = replaceBadFrames;
     try {
+        // A movie's one thread may split its pictures into the cores the run was given.
+        const std::uint32_t cores = threadCount;
         prepareRun(threadCount, first, last, step);
-        if (!launchThreads(threadCount)) {
+        if (!launchThreads(threadCount, cores)) {
             errorText = "Failed to launch at least one thread (system error)";
             return false;
         }
@@ -95,12 +97,12 @@ void isvrSaverWorkData::openSharedHandle() {
     SharedHandle = std::move(handle);
 }
 
-bool isvrSaverWorkData::launchThreads(std::uint32_t threadCount) {
+bool isvrSaverWorkData::launchThreads(std::uint32_t threadCount, std::uint32_t cores) {
     std::vector<std::unique_ptr<iSaverThread>> threads;
     const auto self = std::static_pointer_cast<isvrSaverWorkData>(shared_from_this());
     for (std::uint32_t index = 0; index < threadCount; ++index)
         threads.push_back(std::make_unique<isvrSaverThreadRenderer>(self, index, Setup, SharedHandle));
-    return iSaverWorkData::launchThreads(std::move(threads));
+    return iSaverWorkData::launchThreads(std::move(threads), cores);
 }
 
 // The shared handle goes first: its writer may refer to the setup.

@@ -64,7 +64,7 @@ private:
     // Steps of Start that may throw.
     void prepareRun(std::uint32_t& threadCount, std::uint32_t first, std::uint32_t last, std::uint32_t step);
     void openSharedHandle();
-    bool launchThreads(std::uint32_t threadCount);
+    bool launchThreads(std::uint32_t threadCount, std::uint32_t cores);
 
     CSize FrameSize;
     std::string FileName;

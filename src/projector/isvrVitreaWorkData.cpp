@@ -60,7 +60,7 @@ bool isvrVitreaWorkData::Start(std::uint32_t threadCount, std::uint32_t first, s
     }
     try {
         resetRun(GetFramesPerProjector() * active);
-        if (!launchThreads(std::clamp(threadCount, 1u, active))) {
+        if (!launchThreads(std::clamp(threadCount, 1u, active), threadCount)) {
             errorText = "Failed to launch at least one thread (system error)";
             return false;
         }
@@ -87,12 +87,12 @@ std::uint32_t isvrVitreaWorkData::resetProjectors() {
     return ActiveProjectors;
 }
 
-bool isvrVitreaWorkData::launchThreads(std::uint32_t threadCount) {
+bool isvrVitreaWorkData::launchThreads(std::uint32_t threadCount, std::uint32_t cores) {
     std::vector<std::unique_ptr<iSaverThread>> threads;
     const auto self = std::static_pointer_cast<isvrVitreaWorkData>(shared_from_this());
     for (std::uint32_t index = 0; index < threadCount; ++index)
         threads.push_back(std::make_unique<isvrVitreaThreadRenderer>(self, index, Setup));
-    return iSaverWorkData::launchThreads(std::move(threads));
+    return iSaverWorkData::launchThreads(std::move(threads), cores);
 }
 
 // ---------------------------------------------------------------- the threads' side

@@ -79,7 +79,7 @@ private:
 
     // Sets the projectors' states from the switches; the number switched on.
     std::uint32_t resetProjectors();
-    bool launchThreads(std::uint32_t threadCount);
+    bool launchThreads(std::uint32_t threadCount, std::uint32_t cores);
 
     isvrVitrea& Saver;
     std::uint32_t First = 0;

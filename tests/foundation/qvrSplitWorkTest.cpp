@@ -59,3 +59,26 @@ TEST(qvrSplitWork, BusyThreadsOnEveryCoreLeaveNothingToSplitOnAndGiveTheirCoresB
         EXPECT_EQ(split.Ranges.size(), 2u) << run;
     }
 }
+
+TEST(qvrSplitWork, ARunGivenOneCoreDoesNotSplitAndOneGivenTwoSplitsBesideItsThread) {
+    if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "one core";
+    {
+        const qvrCoreLimit oneCore(1);
+        const qvrBusyCore renderThread;
+        SplitRecord split;
+        split.Run(1000, 100);
+        EXPECT_EQ(split.Ranges.size(), 1u);
+    }
+    {
+        const qvrCoreLimit twoCores(2);
+        const qvrBusyCore renderThread;
+        SplitRecord split;
+        split.Run(1000, 100);
+        EXPECT_EQ(split.Ranges.size(), 2u);
+    }
+    // Limits below one core count as one, and every limit gives its cores back.
+    { const qvrCoreLimit none(0); }
+    SplitRecord split;
+    split.Run(1000, 100);
+    EXPECT_EQ(split.Ranges.size(), 2u);
+}
