@@ -1,5 +1,6 @@
 #include "imaging/CPNGDecoder.h"
 
+#include "imaging/CPNGQuickRead.h"
 #include "imaging/EImageData.h"
 
 #include <cstring>
@@ -53,7 +54,9 @@ public:
         png_set_option(png, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
 #endif
     }
-    ~PngRead() { png_destroy_read_struct(&png, &info, nullptr); }
+    ~PngRead() {
+        png_destroy_read_struct(&png, &info, nullptr);
+    }
     PngRead(const PngRead&) = delete;
     PngRead& operator=(const PngRead&) = delete;
 
@@ -72,7 +75,9 @@ public:
         });
     }
 
-    CSize GetSize() const { return {png_get_image_width(png, info), png_get_image_height(png, info)}; }
+    CSize GetSize() const {
+        return {png_get_image_width(png, info), png_get_image_height(png, info)};
+    }
 
     bool HasAlpha() const {
         return (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0 ||
@@ -102,6 +107,11 @@ private:
 } // namespace
 
 std::unique_ptr<EImageData> CPNGDecoder::DoDecode(CDataSource& source) const {
+    const CPNGQuickRead quick(source.GetBufferPtr(), source.GetBytesLeft());
+    if (quick.IsPlain()) {
+        std::unique_ptr<EImageData> picture = CreateBmp(quick.GetSize(), quick.HasAlpha());
+        if (quick.ReadRows(*picture)) return picture;
+    }
     PngRead read(source);
     read.Start();
     std::unique_ptr<EImageData> picture = CreateBmp(read.GetSize(), read.HasAlpha());
