@@ -3,7 +3,9 @@
 # one and on two render threads, to an uncompressed AVI, and the same
 # composition as an FFmpeg filtergraph (eq, convolution, crop, scale, rotate,
 # overlay) writing the same two outputs. Each figure is the best of RUNS runs
-# of the whole command, start-up included.
+# of the whole command, start-up included. The last line sets the start-up
+# apart: a run of the first frame alone, and how much faster two render threads
+# render the other frames than one does.
 #
 #   bench/showcase.sh [QVR_PROGRAM] [WORK_DIRECTORY]      (RUNS=3 by default)
 set -euo pipefail
@@ -36,6 +38,7 @@ report() {
   local seconds
   seconds=$(best_seconds "${@:2}")
   printf '%-34s %7.2f s  %6.1f frames/s\n' "$1" "$seconds" "$(echo "$seconds" | awk -v n=$frames '{ print n / $1 }')"
+  last_seconds=$seconds
 }
 
 render() { QVR_HOME="$work/home" "$qvr" render "$work/showcase.tsp" "$@"; }
@@ -54,8 +57,13 @@ ffmpeg_render() {
 
 echo "showcase, $frames frames of 1920x1080, best of $runs runs, $(nproc) cores"
 report "qvr: BMP sequence, 1 thread" render --saver Frames --threads 1
+one_thread=$last_seconds
 report "qvr: BMP sequence, 2 threads" render --saver Frames --threads 2
+two_threads=$last_seconds
 report "qvr: uncompressed AVI" render --saver Movie
 report "ffmpeg: BMP sequence" ffmpeg_render "$output/ffmpeg/frame%04d.bmp"
 report "ffmpeg: uncompressed AVI, 32-bit" ffmpeg_render -c:v rawvideo -pix_fmt bgra "$output/ffmpeg/showcase.avi"
 report "ffmpeg: BMP sequence, 1 thread" ffmpeg_render -threads 1 -filter_threads 1 -filter_complex_threads 1 "$output/ffmpeg/frame%04d.bmp"
+first_frame=$(best_seconds render --saver Frames --threads 1 --first 0 --last 0)
+echo "$first_frame $one_thread $two_threads" | awk -v n=$((frames - 1)) '{
+  printf "qvr: start-up and first frame %.2f s; frames 1-%d on 2 render threads %.2fx as fast as on 1\n", $1, n, ($2 - $1) / ($3 - $1) }'
