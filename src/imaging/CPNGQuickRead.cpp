@@ -42,17 +42,19 @@ struct FreeBytes {
     void operator()(std::uint8_t* bytes) const { std::free(bytes); }
 };
 
+// The neighbour nearest to left + above - above left; ties go to the left, then above.
 std::uint8_t paeth(std::uint8_t left, std::uint8_t above, std::uint8_t aboveLeft) {
-    const int estimate = left + above - aboveLeft;
-    const int toLeft = std::abs(estimate - left);
-    const int toAbove = std::abs(estimate - above);
-    const int toAboveLeft = std::abs(estimate - aboveLeft);
-    if (toLeft <= toAbove && toLeft <= toAboveLeft) return left;
-    return toAbove <= toAboveLeft ? above : aboveLeft;
+    const int toLeft = std::abs(above - aboveLeft);
+    const int toAbove = std::abs(left - aboveLeft);
+    const int toAboveLeft = std::abs(left + above - 2 * aboveLeft);
+    const std::uint8_t aboveOrCorner = toAbove <= toAboveLeft ? above : aboveLeft;
+    return toLeft <= toAbove && toLeft <= toAboveLeft ? left : aboveOrCorner;
 }
 
 // Undoes a row's filter in place; `previous` is the unfiltered row above, or
-// zeros for the first. False for an unknown filter.
+// zeros for the first. The first pixel has no left neighbour, which counts as
+// 0: for it the average takes half the byte above and Paeth the byte above.
+// False for an unknown filter.
 bool unfilter(std::uint8_t filter, std::uint8_t* row, const std::uint8_t* previous, size_t length,
               size_t step) {
     switch (filter) {
@@ -67,17 +69,17 @@ bool unfilter(std::uint8_t filter, std::uint8_t* row, const std::uint8_t* previo
             row[i] = static_cast<std::uint8_t>(row[i] + previous[i]);
         return true;
     case 3:
-        for (size_t i = 0; i < length; ++i) {
-            const unsigned left = i >= step ? row[i - step] : 0u;
-            row[i] = static_cast<std::uint8_t>(row[i] + ((left + previous[i]) >> 1));
-        }
+        for (size_t i = 0; i < step; ++i)
+            row[i] = static_cast<std::uint8_t>(row[i] + (previous[i] >> 1));
+        for (size_t i = step; i < length; ++i)
+            row[i] = static_cast<std::uint8_t>(row[i] + ((row[i - step] + previous[i]) >> 1));
         return true;
     case 4:
-        for (size_t i = 0; i < length; ++i) {
-            const std::uint8_t left = i >= step ? row[i - step] : 0;
-            const std::uint8_t aboveLeft = i >= step ? previous[i - step] : 0;
-            row[i] = static_cast<std::uint8_t>(row[i] + paeth(left, previous[i], aboveLeft));
-        }
+        for (size_t i = 0; i < step; ++i)
+            row[i] = static_cast<std::uint8_t>(row[i] + previous[i]);
+        for (size_t i = step; i < length; ++i)
+            row[i] =
+                static_cast<std::uint8_t>(row[i] + paeth(row[i - step], previous[i], previous[i - step]));
         return true;
     default:
         return false;
