@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace qvrTest {
 
 struct TraceCapture {
@@ -48,11 +50,25 @@ inline std::vector<std::uint32_t> PixelsOf(const EImageData& picture) {
     return pixels;
 }
 
-// A file name in the tests' scratch directory ($QVR_HOME).
+// A file name in this test process's own scratch directory. The directory
+// lies below $QVR_HOME, which the test processes that run at once share, or
+// below the system's temporary directory; it goes when the process ends.
 inline std::string ScratchFile(const std::string& name) {
-    std::filesystem::path dir = std::getenv("QVR_HOME") ? std::getenv("QVR_HOME") : "/tmp/qvr_imaging_tests";
-    std::filesystem::create_directories(dir);
-    return (dir / name).string();
+    struct ProcessDirectory {
+        std::filesystem::path Path;
+        ~ProcessDirectory() {
+            std::error_code ignored;
+            std::filesystem::remove_all(Path, ignored);
+        }
+    };
+    static const ProcessDirectory directory{[] {
+        const char* home = std::getenv("QVR_HOME");
+        const std::filesystem::path base =
+            home && *home ? std::filesystem::path(home) : std::filesystem::temp_directory_path();
+        return base / ("scratch_" + std::to_string(::getpid()));
+    }()};
+    std::filesystem::create_directories(directory.Path);
+    return (directory.Path / name).string();
 }
 
 inline std::vector<std::uint8_t> ReadBytes(const std::string& path) {
