@@ -54,9 +54,7 @@ public:
         png_set_option(png, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
 #endif
     }
-    ~PngRead() {
-        png_destroy_read_struct(&png, &info, nullptr);
-    }
+    ~PngRead() { png_destroy_read_struct(&png, &info, nullptr); }
     PngRead(const PngRead&) = delete;
     PngRead& operator=(const PngRead&) = delete;
 
@@ -75,9 +73,7 @@ public:
         });
     }
 
-    CSize GetSize() const {
-        return {png_get_image_width(png, info), png_get_image_height(png, info)};
-    }
+    CSize GetSize() const { return {png_get_image_width(png, info), png_get_image_height(png, info)}; }
 
     bool HasAlpha() const {
         return (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0 ||

@@ -112,7 +112,7 @@ std::shared_ptr<const CorrectionTables> tablesFor(const FixedCorrection& fixed) 
     static std::mutex guard;
     static std::shared_ptr<const CorrectionTables> last;
     const std::lock_guard lock(guard);
-    if (!last || !(last->Settings() == fixed)) last = std::make_shared<const CorrectionTables>(fixed);
+    if (!last || last->Settings() != fixed) last = std::make_shared<const CorrectionTables>(fixed);
     return last;
 }
 
