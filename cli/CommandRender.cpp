@@ -11,6 +11,7 @@
 #include "foundation/qvrString.h"
 #include "model/iProject.h"
 #include "output/ESaverExecution.h"
+#include "output/OutputText.h"
 #include "output/isvrSaver.h"
 #include "projector/EVitreaExecution.h"
 #include "projector/isvrVitrea.h"
@@ -41,7 +42,6 @@ constexpr const char* Help =
     "2 when it could not start.\n";
 
 constexpr unsigned long PollMs = 100;
-constexpr EStringId TextNotConfigured = 65063;
 
 struct RenderOptions {
     std::string Project;
@@ -159,7 +159,7 @@ iSaverSetup runSetup(const iSaver& saver, const RenderOptions& options) {
 
 // Why the saver can't run with the setup; empty when it can.
 std::string startProblem(const iSaver& saver, const iSaverSetup& setup) {
-    if (!setup.IsValid()) return EStringTable::Load(TextNotConfigured);
+    if (!setup.IsValid()) return EStringTable::Load(OutputText::NotConfigured);
     if (!saver.GetFirstParent()) return "the saver has no source";
     return {};
 }

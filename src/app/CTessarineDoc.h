@@ -19,10 +19,7 @@ public:
     bool OnOpenDocument(const std::string& path, hReport* report = nullptr);
     bool OnSaveDocument(const std::string& path);
     void OnCloseDocument();
-    // Writes the project to `path` (relative to the working directory; empty:
-    // "autosave.tsp") without touching the document's state. Nothing is written
-    // when there are no changes.
-    void AutoSave(const std::string& path);
+    void AutoSave(const std::string& path) override;
 
     void SetModifiedFlag(bool modified) override { Modified = modified; }
     bool IsModified() const { return Modified; }

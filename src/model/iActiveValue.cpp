@@ -8,6 +8,7 @@
 #include "foundation/qvrString.h"
 #include "model/hMenu.h"
 #include "model/iObjectFrontEnd.h"
+#include "model/iParameter.h"
 
 #include <algorithm>
 #include <array>
@@ -61,6 +62,16 @@ iActiveValue::iActiveValue(iActiveValueOwner* owner, std::string name, double in
                            bool constantWanted)
     : iActiveValue(std::move(name), initialValue, constantWanted) {
     Link(owner);
+}
+
+iActiveValue::iActiveValue(iActiveValueOwner* owner, const iParameter& parameter)
+    : iActiveValue(std::string(parameter.Key), parameter) {
+    Link(owner);
+}
+
+iActiveValue::iActiveValue(std::string name, const iParameter& parameter)
+    : iActiveValue(std::move(name), parameter.Default, parameter.ConstantWanted) {
+    if (parameter.CurveColour) SetColour(*parameter.CurveColour);
 }
 
 iActiveValue::iActiveValue(std::string name, double initialValue, bool constantWanted)

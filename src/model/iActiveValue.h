@@ -23,6 +23,8 @@ class qvrCTreeData;
 // The element side of animated values: the list of the values it owns and the
 // notices a value gives it. An element derives from it; the values keep the
 // list themselves as they link and unlink. Main thread only.
+struct iParameter;
+
 class iActiveValueOwner {
 public:
     virtual ~iActiveValueOwner() = default;
@@ -66,6 +68,10 @@ public:
     iActiveValue(iActiveValueOwner* owner, std::string name, double initialValue, bool constantWanted);
     // A value that belongs to no element; whoever made it owns it.
     iActiveValue(std::string name, double initialValue, bool constantWanted);
+    // The value that a parameter describes, linked into `owner`.
+    iActiveValue(iActiveValueOwner* owner, const iParameter& parameter);
+    // The value that a parameter describes under another name, belonging to no element yet.
+    iActiveValue(std::string name, const iParameter& parameter);
     ~iActiveValue() override;
 
     // Enters the front of the owner's list (nothing happens for the present owner).

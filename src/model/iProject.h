@@ -21,11 +21,16 @@ class hReport;
 class iElementGroup;
 class qvrCTreeData;
 
-// The document a standard project belongs to; it keeps the modified flag.
+// The document a standard project belongs to; it keeps the modified flag and
+// writes the autosave copy.
 class iProjectDocument {
 public:
     virtual ~iProjectDocument() = default;
     virtual void SetModifiedFlag(bool modified) = 0;
+    // Writes the project to `path` (relative to the working directory; empty:
+    // "autosave.tsp") without touching the document's state. Nothing is written
+    // when there are no changes.
+    virtual void AutoSave(const std::string& path) = 0;
 };
 
 class iProject : public iElementContainer {

@@ -6,23 +6,18 @@
 // as entered. Threads as iActiveValue.
 
 #include "model/iActiveValue.h"
-
-#include <optional>
+#include "model/iParameter.h"
 
 class iLimitedValue : public iActiveValue {
 public:
-    struct Limits {
-        std::optional<double> Min;
-        std::optional<double> Max;
-    };
+    using Limits = iParameterLimits;
 
-    // Linked into `owner` at once.
-    iLimitedValue(iActiveValueOwner* owner, std::string name, double initialValue, bool constantWanted,
-                  Limits limits)
-        : iActiveValue(owner, std::move(name), initialValue, constantWanted), Range(limits) {}
-    // Belongs to no element until it is linked.
-    iLimitedValue(std::string name, double initialValue, bool constantWanted, Limits limits)
-        : iActiveValue(std::move(name), initialValue, constantWanted), Range(limits) {}
+    // The value that a parameter describes, with its limits, linked into `owner` at once.
+    iLimitedValue(iActiveValueOwner* owner, const iParameter& parameter)
+        : iActiveValue(owner, parameter), Range(parameter.Limits) {}
+    // The same under another name, belonging to no element yet.
+    iLimitedValue(std::string name, const iParameter& parameter)
+        : iActiveValue(std::move(name), parameter), Range(parameter.Limits) {}
 
     const double* GetMinLimit() const override { return Range.Min ? &*Range.Min : nullptr; }
     const double* GetMaxLimit() const override { return Range.Max ? &*Range.Max : nullptr; }

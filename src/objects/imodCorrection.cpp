@@ -4,6 +4,7 @@
 #include "foundation/qvrSplitWork.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
+#include "objects/ObjectText.h"
 
 #include <algorithm>
 #include <array>
@@ -19,8 +20,6 @@ namespace {
 constexpr long SplitFromRows = 256;
 
 enum : EStringId { textImageCorrection = 47600 };
-
-constexpr iLimitedValue::Limits percentLimits{-100.0, 100.0};
 
 // The settings in fixed point with 12 fractional bits, as the pixel loop uses them.
 struct FixedCorrection {
@@ -146,11 +145,18 @@ void CorrectPixels(EImageData& picture, const hCorrectionSettings& settings) {
                   [&](long first, long last) { correctRows(picture, correct, first, last); });
 }
 
+const iParameterEntry<imodCorrection> imodCorrection::parameterEntries[] = {
+    {{"Brightness", iParameterKind::Animated, ObjectText::LabelBrightness, 0.0, {-100.0, 100.0}}},
+    {{"Contrast", iParameterKind::Animated, ObjectText::LabelContrast, 0.0, {-100.0, 100.0}}},
+    {{"Saturation", iParameterKind::Animated, ObjectText::LabelSaturation, 0.0, {-100.0, 100.0}}},
+    {{"Transparency", iParameterKind::Animated, ObjectText::LabelTransparency, 0.0, {-100.0, 100.0}}},
+};
+const iParameterTable<imodCorrection> imodCorrection::Parameters{parameterEntries};
+
 imodCorrection::imodCorrection(std::string name)
-    : iInplaceModifier(std::move(name)), brightness(this, "Brightness", 0.0, false, percentLimits),
-      contrast(this, "Contrast", 0.0, false, percentLimits),
-      saturation(this, "Saturation", 0.0, false, percentLimits),
-      transparency(this, "Transparency", 0.0, false, percentLimits) {}
+    : iInplaceModifier(std::move(name)), brightness(this, Parameters.Get("Brightness")),
+      contrast(this, Parameters.Get("Contrast")), saturation(this, Parameters.Get("Saturation")),
+      transparency(this, Parameters.Get("Transparency")) {}
 
 std::string imodCorrection::GetStateText() const {
     return EStringTable::Load(textImageCorrection);

@@ -9,6 +9,7 @@
 // its own caller under that picture's lock, and only reads the values, which
 // are edited on the main thread.
 
+#include "model/iParameter.h"
 #include "objects/iInplaceModifier.h"
 #include "objects/iLimitedValue.h"
 
@@ -56,12 +57,15 @@ public:
     iActiveValue& GetTransparencyValue() { return transparency; }
 
     static iFactoryProducerOf<imodCorrection> Producer;
+    static const iParameterTable<imodCorrection> Parameters;
 
 protected:
     bool doProcessImageSize(iImageSizeResult&, long) override { return true; }
     bool doProcessImage(EImage& image, iRenderResult& result, iRenderRequest& request) override;
 
 private:
+    static const iParameterEntry<imodCorrection> parameterEntries[];
+
     iLimitedValue brightness;
     iLimitedValue contrast;
     iLimitedValue saturation;

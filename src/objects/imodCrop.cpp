@@ -1,36 +1,19 @@
 #include "objects/imodCrop.h"
 
+#include "foundation/hTruncate.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 #include "model/iElementContainer.h"
-#include "objects/hTruncate.h"
+#include "objects/ObjectText.h"
 
 #include <algorithm>
 
 iFactoryProducerOf<imodCrop> imodCrop::Producer(iModifier::ClassType, "Cropper");
 
 namespace {
-
-CRect moved(const CRect& rect, CPoint by) {
-    return {rect.left + by.x, rect.top + by.y, rect.right + by.x, rect.bottom + by.y};
-}
-
-CPoint negated(CPoint point) {
-    return {-point.x, -point.y};
-}
-
-// The common part of two rectangles; empty ones are all zero.
-CRect intersected(const CRect& a, const CRect& b) {
-    const CRect common{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-                       std::min(a.bottom, b.bottom)};
-    return common.IsRectEmpty() ? CRect{} : common;
-}
-
-CRect wholeOf(CSize size) {
-    return {0, 0, size.cx, size.cy};
-}
 
 // The display extent for the part of a preview section that the parent gives:
 // the same scale as the section's, at least one pixel.
@@ -41,21 +24,28 @@ long partDisplayExtent(long partExtent, long sectionExtent, long displayExtent) 
 
 } // namespace
 
+const iParameterEntry<imodCrop> imodCrop::parameterEntries[] = {
+    {{"Width", iParameterKind::Animated, ObjectText::LabelWidth, 720.0}},
+    {{"Heigth", iParameterKind::Animated, ObjectText::LabelHeight, 576.0}},
+    {{"Center X", iParameterKind::Animated, ObjectText::LabelCenterX}},
+    {{"Center Y", iParameterKind::Animated, ObjectText::LabelCenterY}},
+    {{"BackgroundColor", iParameterKind::ColourWord, ObjectText::LabelBackgroundColor},
+     &imodCrop::backgroundColor},
+    {{"RelativeGUI", iParameterKind::Flag, ObjectText::LabelRelativeEdges}, &imodCrop::relativeGUI},
+};
+const iParameterTable<imodCrop> imodCrop::Parameters{parameterEntries};
+
 imodCrop::imodCrop(std::string name)
-    : iModifier(std::move(name)), width(this, "Width", 720.0, false), height(this, "Heigth", 576.0, false),
-      centerX(this, "Center X", 0.0, false), centerY(this, "Center Y", 0.0, false) {}
+    : iModifier(std::move(name)), width(this, Parameters.Get("Width")),
+      height(this, Parameters.Get("Heigth")), centerX(this, Parameters.Get("Center X")),
+      centerY(this, Parameters.Get("Center Y")) {}
 
 void imodCrop::doSaveData(qvrCTreeData& block, hReport&) {
-    block.SetLong("BackgroundColor", static_cast<std::int32_t>(backgroundColor));
-    block.SetBool("RelativeGUI", relativeGUI);
+    Parameters.SaveBlock(*this, block);
 }
 
 void imodCrop::doLoadData(const qvrCTreeData& block, hReport&) {
-    long colour = 0;
-    if (block.GetLong("BackgroundColor", colour) && colour >= INT32_MIN && colour <= UINT32_MAX)
-        backgroundColor = static_cast<std::uint32_t>(colour);
-    bool relative = false;
-    if (block.GetBool("RelativeGUI", relative)) relativeGUI = relative;
+    Parameters.LoadBlock(*this, block);
 }
 
 EImageSize imodCrop::GetCropSize(long frame) const {
@@ -93,11 +83,12 @@ bool imodCrop::doModifierRender(iElement* parent, EImage& image, iRenderResult& 
         return false;
     }
     const CPoint offset = GetOffset(parentSize.Size, request.Frame);
-    const CRect available = intersected(moved(request.Rect, offset), wholeOf(parentSize.Size.ToSize()));
+    const CRect available =
+        IntersectRectOrNull(OffsetRect(request.Rect, offset), WholeRect(parentSize.Size.ToSize()));
     if (available.IsRectEmpty()) return renderBackgroundOnly(image, result, request);
     iRenderRequest partRequest = parentRequest(request, parentSize.Size, available);
     if (!parent->Render(image, result, partRequest)) return false;
-    return frameParentPicture(image, result, request, offset, moved(available, negated(offset)));
+    return frameParentPicture(image, result, request, offset, OffsetRect(available, -offset));
 }
 
 bool imodCrop::renderBackgroundOnly(EImage& image, iRenderResult& result, const iRenderRequest& request) {
@@ -143,10 +134,10 @@ bool imodCrop::frameParentPicture(EImage& image, iRenderResult& result, const iR
         result.SetError(render_aborted, this, text_virtual_memory_low);
         return false;
     }
-    CRect shown = moved(result.Rect, negated(offset));
-    const CRect kept = intersected(shown, wanted);
+    CRect shown = OffsetRect(result.Rect, -offset);
+    const CRect kept = IntersectRectOrNull(shown, wanted);
     const CRect keptPart = MapRectRelative(lock.GetData()->GetSize(), shown, kept);
-    if (keptPart != wholeOf(lock.GetData()->GetSize())) {
+    if (keptPart != WholeRect(lock.GetData()->GetSize())) {
         std::unique_ptr<EImageData> extract = lock.GetData()->Extract(keptPart);
         if (!extract) {
             result.SetError(render_out_of_memory, this, text_out_of_memory);
@@ -157,14 +148,14 @@ bool imodCrop::frameParentPicture(EImage& image, iRenderResult& result, const iR
     }
     const EImageData& picture = *lock.GetData();
     const CRect section = MapRectRelative(picture.GetSize(), shown, request.Rect);
-    if (section != wholeOf(picture.GetSize())) {
+    if (section != WholeRect(picture.GetSize())) {
         std::unique_ptr<EImageData> framed =
             EImageData::New({section.Width(), section.Height()}, EImageMemory::MayFree);
         if (!framed) {
             result.SetError(render_out_of_memory, this, text_out_of_memory);
             return false;
         }
-        framed->CopyRectOnColour(picture, wholeOf(picture.GetSize()), {-section.left, -section.top},
+        framed->CopyRectOnColour(picture, WholeRect(picture.GetSize()), {-section.left, -section.top},
                                  backgroundColor);
         lock.SetData(std::move(framed));
     }

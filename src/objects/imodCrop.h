@@ -10,6 +10,7 @@
 // only after the parent's render.
 
 #include "model/iModifier.h"
+#include "model/iParameter.h"
 
 #include <cstdint>
 
@@ -42,6 +43,7 @@ public:
     void SetRelativeGUI(bool relative) { relativeGUI = relative; }
 
     static iFactoryProducerOf<imodCrop> Producer;
+    static const iParameterTable<imodCrop> Parameters;
 
 protected:
     // The window's size; the parent is not asked.
@@ -58,6 +60,8 @@ private:
     // Turns the parent's picture into the picture of the caller's section.
     bool frameParentPicture(EImage& image, iRenderResult& result, const iRenderRequest& request,
                             CPoint offset, const CRect& wanted);
+
+    static const iParameterEntry<imodCrop> parameterEntries[];
 
     iActiveValue width;
     iActiveValue height;

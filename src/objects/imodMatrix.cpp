@@ -7,6 +7,7 @@
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
+#include "objects/ObjectText.h"
 #include "objects/imodMatrixEffect.h"
 #include "objects/imodMatrixEffectLibrary.h"
 
@@ -20,12 +21,14 @@ enum : EStringId {
     textUnknownEffect = 47623,
 };
 
-void readBool(const qvrCTreeData& block, std::string_view key, bool& value) {
-    bool read = false;
-    if (block.GetBool(key, read)) value = read;
-}
-
 } // namespace
+
+// The effect is kept by name in the block and found in the effect library by its own rule.
+const iParameterEntry<imodMatrix> imodMatrix::parameterEntries[] = {
+    {{"UseInViews", iParameterKind::Flag, ObjectText::LabelUseInViews}, &imodMatrix::useInViews},
+    {{"UseForProxies", iParameterKind::Flag, ObjectText::LabelUseForProxies}, &imodMatrix::useForProxies},
+};
+const iParameterTable<imodMatrix> imodMatrix::Parameters{parameterEntries};
 
 imodMatrix::imodMatrix(std::string name) : iModifier(std::move(name)) {}
 
@@ -40,8 +43,7 @@ std::string imodMatrix::GetStateText() const {
 
 void imodMatrix::doSaveData(qvrCTreeData& block, hReport&) {
     block.SetText("Effect", effect ? effect->GetName() : std::string());
-    block.SetBool("UseInViews", useInViews);
-    block.SetBool("UseForProxies", useForProxies);
+    Parameters.SaveBlock(*this, block);
 }
 
 void imodMatrix::doLoadData(const qvrCTreeData& block, hReport& report) {
@@ -54,15 +56,13 @@ void imodMatrix::doLoadData(const qvrCTreeData& block, hReport& report) {
                           hReportWarning);
     }
     SetEffect(found);
-    readBool(block, "UseInViews", useInViews);
-    readBool(block, "UseForProxies", useForProxies);
+    Parameters.LoadBlock(*this, block);
 }
 
 std::unique_ptr<imodMatrix> imodMatrix::Clone() const {
     auto copy = std::make_unique<imodMatrix>(GetName());
     copy->SetEffect(effect);
-    copy->useForProxies = useForProxies;
-    copy->useInViews = useInViews;
+    Parameters.CopyTo(*this, *copy);
     return copy;
 }
 

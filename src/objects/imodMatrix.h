@@ -10,6 +10,7 @@
 // and the user list of the effect belong to the main thread.
 
 #include "model/iModifier.h"
+#include "model/iParameter.h"
 
 #include <memory>
 
@@ -43,6 +44,7 @@ public:
     void SetUseInViews(bool use) { useInViews = use; }
 
     static iFactoryProducerOf<imodMatrix> Producer;
+    static const iParameterTable<imodMatrix> Parameters;
 
 protected:
     // The parent's size, unchanged.
@@ -58,6 +60,8 @@ private:
     void OnEffectChanged() { NotifyChanged(nullptr, true); }
     // Whether the picture of the request is to be filtered at all.
     bool wantsFilter(const iRenderRequest& request) const;
+
+    static const iParameterEntry<imodMatrix> parameterEntries[];
 
     imodMatrixEffect* effect = nullptr;
     bool useForProxies = true;

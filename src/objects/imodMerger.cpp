@@ -2,12 +2,13 @@
 
 #include "foundation/ELog.h"
 #include "foundation/EStringTable.h"
+#include "foundation/hTruncate.h"
 #include "foundation/qvrCTreeData.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
-#include "objects/hTruncate.h"
+#include "objects/ObjectText.h"
 
 #include <algorithm>
 #include <array>
@@ -31,17 +32,13 @@ enum : EStringId {
     textNoteNoData = 47420,
 };
 
-constexpr iLimitedValue::Limits opacityLimits{0.0, 100.0};
 // How long a blend waits for either picture.
 constexpr long pictureLockTimeoutMs = 2000;
 // Layers whose blend factor lies below this are not drawn.
 constexpr long smallestVisibleOpacity = 2;
 
-// The keys of a layer's values, in the order of the link's fields.
-constexpr const char* valueKeys[] = {"X position", "Y position", "Opacity", "Active"};
-
-std::string valueName(const iElement& parent, const char* key) {
-    return qvrFormat("%s: %s", parent.GetName().c_str(), key);
+std::string valueName(const iElement& parent, std::string_view key) {
+    return qvrFormat("%s: %s", parent.GetName().c_str(), std::string(key).c_str());
 }
 
 // One axis of a layer's place cut to the background's span [low, high):
@@ -92,11 +89,21 @@ CRect pictureSection(const CRect& section, const CRect& delivered, CSize size, b
 
 // ---------------------------------------------------------------- imodMergerLink
 
+// In the order of the link's fields.
+const iParameterEntry<imodMergerLink> imodMergerLink::parameterEntries[] = {
+    {{"X position", iParameterKind::Animated, ObjectText::LabelXPosition}},
+    {{"Y position", iParameterKind::Animated, ObjectText::LabelYPosition}},
+    {{"Opacity", iParameterKind::Animated, ObjectText::LabelOpacity, 100.0, {0.0, 100.0}}},
+    {{"Active", iParameterKind::Animated, ObjectText::LabelActive, 1.0, iLimitedValue::Switch, true}},
+};
+const iParameterTable<imodMergerLink> imodMergerLink::Parameters{parameterEntries};
+
 imodMergerLink::imodMergerLink(iElement* parent, imodMerger* composer)
-    : iElementLink(parent, composer), xPos(valueName(*parent, valueKeys[0]), 0.0, false),
-      yPos(valueName(*parent, valueKeys[1]), 0.0, false),
-      opacity(valueName(*parent, valueKeys[2]), 100.0, false, opacityLimits),
-      active(valueName(*parent, valueKeys[3]), 1.0, true, iLimitedValue::Switch) {}
+    : iElementLink(parent, composer),
+      xPos(valueName(*parent, parameterEntries[0].Parameter.Key), parameterEntries[0].Parameter),
+      yPos(valueName(*parent, parameterEntries[1].Parameter.Key), parameterEntries[1].Parameter),
+      opacity(valueName(*parent, parameterEntries[2].Parameter.Key), parameterEntries[2].Parameter),
+      active(valueName(*parent, parameterEntries[3].Parameter.Key), parameterEntries[3].Parameter) {}
 
 imodMergerLink::~imodMergerLink() {
     Unlink(true);
@@ -160,7 +167,7 @@ void imodMergerLink::unlinkValues() {
 void imodMergerLink::RenameValues() {
     const std::array<iActiveValue*, 4> values = allValues();
     for (size_t i = 0; i < values.size(); ++i)
-        values[i]->SetName(valueName(*GetParent(), valueKeys[i]), true);
+        values[i]->SetName(valueName(*GetParent(), parameterEntries[i].Parameter.Key), true);
 }
 
 CRect imodMergerLink::PlaceLayer(EImageSize layerSize, long frame, EImageSize composerSize) {
@@ -236,18 +243,23 @@ void imodMerger::OnParentModified(iElement* sender, const EFrameRange* stamp) {
     iModifier::OnParentModified(sender, stamp);
 }
 
+const iParameterEntry<imodMerger> imodMerger::parameterEntries[] = {
+    {{"IgnoreSourceErrors", iParameterKind::Flag, ObjectText::LabelIgnoreSourceErrors},
+     &imodMerger::ignoreSourceErrors},
+};
+const iParameterTable<imodMerger> imodMerger::Parameters{parameterEntries};
+
 void imodMerger::doSaveData(qvrCTreeData& block, hReport&) {
-    block.SetBool("IgnoreSourceErrors", ignoreSourceErrors);
+    Parameters.SaveBlock(*this, block);
 }
 
 void imodMerger::doLoadData(const qvrCTreeData& block, hReport&) {
-    bool ignore = true;
-    if (block.GetBool("IgnoreSourceErrors", ignore)) ignoreSourceErrors = ignore;
+    Parameters.LoadBlock(*this, block);
 }
 
 std::unique_ptr<imodMerger> imodMerger::Clone() const {
     auto copy = std::make_unique<imodMerger>(GetName());
-    copy->ignoreSourceErrors = ignoreSourceErrors;
+    Parameters.CopyTo(*this, *copy);
     return copy;
 }
 

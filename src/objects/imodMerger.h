@@ -17,6 +17,7 @@
 #include "foundation/qvrCSyncObjects.h"
 #include "model/iElementLink.h"
 #include "model/iModifier.h"
+#include "model/iParameter.h"
 #include "objects/iLimitedValue.h"
 
 #include <array>
@@ -65,14 +66,19 @@ public:
     // The next link in the composer's chain, or null.
     imodMergerLink* GetNextLink() const;
 
+    // The layer's values; each is named "<parent>: <key>".
+    static const iParameterTable<imodMergerLink> Parameters;
+
 private:
     imodMerger* GetComposer() const;
     std::array<iActiveValue*, 4> allValues();
     void linkValues();
     void unlinkValues();
 
-    iActiveValue xPos;
-    iActiveValue yPos;
+    static const iParameterEntry<imodMergerLink> parameterEntries[];
+
+    iLimitedValue xPos;
+    iLimitedValue yPos;
     iLimitedValue opacity;
     iLimitedValue active;
     CRect layerRect;
@@ -114,6 +120,7 @@ public:
     void SetIgnoreSourceErrors(bool ignore) { ignoreSourceErrors = ignore; }
 
     static iFactoryProducerOf<imodMerger> Producer;
+    static const iParameterTable<imodMerger> Parameters;
 
 protected:
     bool doModifierQueryImageSize(iElement* parent, iImageSizeResult& result, long frame) override;
@@ -136,6 +143,8 @@ private:
     void logFailure(EStringId text, const iElement& source, long frame, const std::string& message) const;
     void addNote(RenderPass& pass, EStringId text, const iElement& source,
                  const std::string& message = {}) const;
+
+    static const iParameterEntry<imodMerger> parameterEntries[];
 
     bool ignoreSourceErrors = true;
 };

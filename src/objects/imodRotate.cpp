@@ -2,9 +2,11 @@
 
 #include "foundation/EStringTable.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
+#include "objects/ObjectText.h"
 
 #include <algorithm>
 #include <climits>
@@ -28,34 +30,6 @@ bool isLevel(double degrees) {
 // The sine or cosine of an angle in degrees, times 256 and truncated.
 long fixedPoint(double value) {
     return static_cast<long>(value * 256.0);
-}
-
-CRect moved(const CRect& rect, CPoint by) {
-    return {rect.left + by.x, rect.top + by.y, rect.right + by.x, rect.bottom + by.y};
-}
-
-CPoint negated(CPoint point) {
-    return {-point.x, -point.y};
-}
-
-// The part of the rectangle inside 0, 0 to size; a right or bottom that ends
-// up before its left or top is raised to it.
-CRect clippedTo(const CRect& rect, CSize size) {
-    CRect clipped{std::max(rect.left, 0L), std::max(rect.top, 0L), std::min(rect.right, size.cx),
-                  std::min(rect.bottom, size.cy)};
-    clipped.right = std::max(clipped.right, clipped.left);
-    clipped.bottom = std::max(clipped.bottom, clipped.top);
-    return clipped;
-}
-
-CRect intersection(const CRect& a, const CRect& b) {
-    const CRect common{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-                       std::min(a.bottom, b.bottom)};
-    return common.IsRectEmpty() ? CRect{} : common;
-}
-
-CSize sizeOf(const CRect& rect) {
-    return {rect.Width(), rect.Height()};
 }
 
 EImageFilter filterFor(ERotateQuality quality) {
@@ -104,27 +78,35 @@ CRect iRotation::Rotate(const CRect& rect) const {
     return box;
 }
 
-imodRotate::imodRotate(std::string name) : iModifier(std::move(name)), angle(this, "Angle", 0.0, true) {}
+const iParameterEntry<imodRotate> imodRotate::parameterEntries[] = {
+    {{.Key = "Angle",
+      .Kind = iParameterKind::Animated,
+      .Label = ObjectText::LabelAngle,
+      .ConstantWanted = true}},
+    {{"UseQualityInPreview", iParameterKind::Flag, ObjectText::LabelQualityInPreview},
+     &imodRotate::useQualityInPreview},
+    {{"UseQualityWhenRendering", iParameterKind::Flag, ObjectText::LabelQualityWhenRendering},
+     &imodRotate::useQualityWhenRendering},
+};
+const iParameterTable<imodRotate> imodRotate::Parameters{parameterEntries};
+
+imodRotate::imodRotate(std::string name) : iModifier(std::move(name)), angle(this, Parameters.Get("Angle")) {}
 
 std::string imodRotate::GetStateText() const {
     return EStringTable::Load(textDescription);
 }
 
 void imodRotate::doSaveData(qvrCTreeData& block, hReport&) {
-    block.SetBool("UseQualityInPreview", useQualityInPreview);
-    block.SetBool("UseQualityWhenRendering", useQualityWhenRendering);
+    Parameters.SaveBlock(*this, block);
 }
 
 void imodRotate::doLoadData(const qvrCTreeData& block, hReport&) {
-    block.GetBool("UseQualityInPreview", useQualityInPreview);
-    block.GetBool("UseQualityWhenRendering", useQualityWhenRendering);
+    Parameters.LoadBlock(*this, block);
 }
 
 std::unique_ptr<imodRotate> imodRotate::Clone() const {
     auto copy = std::make_unique<imodRotate>(GetName());
-    copy->useQualityInPreview = useQualityInPreview;
-    copy->useQualityWhenRendering = useQualityWhenRendering;
-    copy->angle.AssignKeys(angle);
+    Parameters.CopyTo(*this, *copy);
     return copy;
 }
 
@@ -174,8 +156,8 @@ std::unique_ptr<EImageData> imodRotate::renderParentImg(iElement* parent, EImage
     const CPoint parentCentre{parentSize.Width / 2, parentSize.Height / 2};
 
     const CRect wanted =
-        moved(iRotation(-degrees).Rotate(moved(request.Rect, negated(ownCentre))), parentCentre);
-    const CRect section = clippedTo(wanted, parentSize.ToSize());
+        OffsetRect(iRotation(-degrees).Rotate(OffsetRect(request.Rect, -ownCentre)), parentCentre);
+    const CRect section = IntersectRectClamped(wanted, WholeRect(parentSize.ToSize()));
     if (section.IsRectEmpty()) {
         qvrTraceVerbose(
             "*** NOTE[imodRotate::renderParentImg()]: Entire image is outside parent's rotate area.\n");
@@ -184,15 +166,15 @@ std::unique_ptr<EImageData> imodRotate::renderParentImg(iElement* parent, EImage
     std::unique_ptr<EImageData> picture = renderSection(parent, image, result, request, section, parentSize);
     if (!picture) return nullptr;
     const CRect delivered = result.Rect;
-    picture = evenScales(std::move(picture), sizeOf(delivered), quality);
+    picture = evenScales(std::move(picture), SizeOfRect(delivered), quality);
     if (!picture) return nullptr;
     if (!isLevel(degrees)) {
         picture = EImgOperator::RotateImage(*picture, degrees, Background, quality);
         if (!picture) return nullptr;
     }
 
-    const CRect box = moved(iRotation(degrees).Rotate(moved(delivered, negated(parentCentre))), ownCentre);
-    const CRect visible = intersection(request.Rect, box);
+    const CRect box = OffsetRect(iRotation(degrees).Rotate(OffsetRect(delivered, -parentCentre)), ownCentre);
+    const CRect visible = IntersectRectOrNull(request.Rect, box);
     if (visible.IsRectEmpty()) {
         qvrTraceVerbose(
             "*** ERROR[imodRotate::renderParentImg()]: Rendered image isn't of _any_ interest for "
@@ -235,10 +217,12 @@ std::unique_ptr<EImageData> imodRotate::cutToRequest(std::unique_ptr<EImageData>
                                                      const CRect& visible, const iRenderRequest& request,
                                                      ERotateQuality quality) {
     const CSize pictureSize = picture->GetSize();
-    const CRect part = clippedTo(MapRectRelative(pictureSize, box, visible), pictureSize);
+    const CRect part =
+        IntersectRectClamped(MapRectRelative(pictureSize, box, visible), WholeRect(pictureSize));
     if (visible != request.Rect) {
         const CSize display = request.DisplaySize.ToSize();
-        const CRect target = clippedTo(MapRectRelative(display, request.Rect, visible), display);
+        const CRect target =
+            IntersectRectClamped(MapRectRelative(display, request.Rect, visible), WholeRect(display));
         std::unique_ptr<EImageData> framed = EImageData::New(display, EImageMemory::MayFree);
         if (!framed) return nullptr;
         if (target.IsRectEmpty()) {

@@ -14,6 +14,7 @@
 #include "imaging/EImgOperator.h"
 #include "model/iActiveValue.h"
 #include "model/iModifier.h"
+#include "model/iParameter.h"
 
 #include <memory>
 #include <mutex>
@@ -68,6 +69,7 @@ public:
     EImageSize GetSize() const;
 
     static iFactoryProducerOf<imodRotate> Producer;
+    static const iParameterTable<imodRotate> Parameters;
 
 protected:
     // Both sides are the parent's width plus height.
@@ -93,6 +95,8 @@ private:
     static std::unique_ptr<EImageData> cutToRequest(std::unique_ptr<EImageData> picture, const CRect& box,
                                                     const CRect& visible, const iRenderRequest& request,
                                                     ERotateQuality quality);
+
+    static const iParameterEntry<imodRotate> parameterEntries[];
 
     iActiveAngle angle;
     bool useQualityInPreview = false;

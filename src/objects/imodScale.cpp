@@ -1,11 +1,12 @@
 #include "objects/imodScale.h"
 
 #include "foundation/EStringTable.h"
+#include "foundation/hTruncate.h"
 #include "foundation/qvrCTreeData.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
-#include "objects/hTruncate.h"
+#include "objects/ObjectText.h"
 
 iFactoryProducerOf<imodScale> imodScale::Producer(iModifier::ClassType, "Scaler");
 
@@ -13,7 +14,6 @@ namespace {
 
 enum : EStringId { textScalingIsAnimated = 47400 };
 
-constexpr iLimitedValue::Limits extentLimits{10.0, std::nullopt};
 // Factors at or below the first count as none and are replaced by the second.
 constexpr double smallestFactor = 0.00000001;
 constexpr double factorOfNothing = 0.00001;
@@ -43,16 +43,28 @@ long atLeastOne(long extent, const char* warning) {
     return 1;
 }
 
-void readBool(const qvrCTreeData& block, std::string_view key, bool& value) {
-    bool read = false;
-    if (block.GetBool(key, read)) value = read;
-}
-
 } // namespace
 
+// A copy keeps no size of its own, so that it takes over the size of its next parent.
+const iParameterEntry<imodScale> imodScale::parameterEntries[] = {
+    {{"Width", iParameterKind::Animated, ObjectText::LabelWidth, 720.0, {10.0, std::nullopt}}},
+    {{"Heigth", iParameterKind::Animated, ObjectText::LabelHeight, 576.0, {10.0, std::nullopt}}},
+    {{"UseQualityInPreview", iParameterKind::Flag, ObjectText::LabelQualityInPreview},
+     &imodScale::useQualityInPreview},
+    {{"UseQualityWhenRendering", iParameterKind::Flag, ObjectText::LabelQualityWhenRendering},
+     &imodScale::useQualityWhenRendering},
+    {{"LockAspect", iParameterKind::Flag, ObjectText::LabelLockAspect}, &imodScale::lockAspect},
+    {{.Key = "IgnParentSize",
+      .Kind = iParameterKind::Flag,
+      .Label = ObjectText::LabelKeepOwnSize,
+      .Copy = iParameterCopy::NotCopied},
+     &imodScale::ignParentSize},
+};
+const iParameterTable<imodScale> imodScale::Parameters{parameterEntries};
+
 imodScale::imodScale(std::string name)
-    : iModifier(std::move(name)), width(this, "Width", 720.0, false, extentLimits),
-      height(this, "Heigth", 576.0, false, extentLimits) {}
+    : iModifier(std::move(name)), width(this, Parameters.Get("Width")),
+      height(this, Parameters.Get("Heigth")) {}
 
 std::string imodScale::GetStateText() const {
     return EStringTable::Load(textScalingIsAnimated);
@@ -163,32 +175,21 @@ void imodScale::OnParentLinked(iElement* parent) {
 }
 
 void imodScale::doSaveData(qvrCTreeData& block, hReport&) {
-    block.SetBool("UseQualityInPreview", useQualityInPreview);
-    block.SetBool("UseQualityWhenRendering", useQualityWhenRendering);
-    block.SetBool("LockAspect", lockAspect);
-    block.SetBool("IgnParentSize", ignParentSize);
+    Parameters.SaveBlock(*this, block);
 }
 
 void imodScale::doLoadData(const qvrCTreeData& block, hReport&) {
-    // An older form of the block had one switch for both cases.
+    Parameters.LoadBlock(*this, block);
+    // An older form of the block had one switch for both cases, which wins.
     bool always = false;
     if (block.GetBool("UseQualityScaleAlways", always)) {
         useQualityInPreview = always;
         useQualityWhenRendering = always;
-    } else {
-        readBool(block, "UseQualityInPreview", useQualityInPreview);
-        readBool(block, "UseQualityWhenRendering", useQualityWhenRendering);
     }
-    readBool(block, "LockAspect", lockAspect);
-    readBool(block, "IgnParentSize", ignParentSize);
 }
 
 std::unique_ptr<imodScale> imodScale::Clone() const {
     auto copy = std::make_unique<imodScale>(GetName());
-    copy->width.AssignKeys(width);
-    copy->height.AssignKeys(height);
-    copy->useQualityInPreview = useQualityInPreview;
-    copy->useQualityWhenRendering = useQualityWhenRendering;
-    copy->lockAspect = lockAspect;
+    Parameters.CopyTo(*this, *copy);
     return copy;
 }

@@ -10,6 +10,7 @@
 // main thread.
 
 #include "model/iModifier.h"
+#include "model/iParameter.h"
 #include "objects/iLimitedValue.h"
 
 #include <memory>
@@ -51,6 +52,7 @@ public:
     void SetIgnParentSize(bool value) { ignParentSize = value; }
 
     static iFactoryProducerOf<imodScale> Producer;
+    static const iParameterTable<imodScale> Parameters;
 
 protected:
     bool doModifierQueryImageSize(iElement* parent, iImageSizeResult& result, long frame) override;
@@ -62,6 +64,8 @@ private:
     iRenderRequest parentRequest(const iRenderRequest& request, double ix, double iy) const;
     // Replaces the parent's picture in `image` by one of the target's size; false when none could be made.
     bool resizePicture(EImage& image, CSize size, bool fullSize) const;
+
+    static const iParameterEntry<imodScale> parameterEntries[];
 
     iLimitedValue width;
     iLimitedValue height;

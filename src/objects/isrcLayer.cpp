@@ -6,6 +6,7 @@
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 #include "model/iElementContainer.h"
+#include "objects/ObjectText.h"
 
 iFactoryProducerOf<isrcLayer> isrcLayer::Producer(iSource::ClassType, "Solid");
 
@@ -18,15 +19,25 @@ std::uint32_t channelByte(const iActiveValue& value, long frame) {
 
 } // namespace
 
-isrcLayer::ChannelValue::ChannelValue(isrcLayer* owner, std::string name, std::uint32_t curveColour)
-    : iActiveValue(owner, std::move(name), 255.0, true) {
-    SetColour(curveColour);
-}
+// The colour channels run from 0 to 255, white and opaque at first. The size
+// is read by the layer's own rule, which refuses a size without area.
+const iParameterEntry<isrcLayer> isrcLayer::parameterEntries[] = {
+    {{"Color Red", iParameterKind::Animated, ObjectText::LabelRed, 255.0, {0.0, 255.0}, true, 0x0000DC}},
+    {{"Color Green", iParameterKind::Animated, ObjectText::LabelGreen, 255.0, {0.0, 255.0}, true, 0x00C800}},
+    {{"Color Blue", iParameterKind::Animated, ObjectText::LabelBlue, 255.0, {0.0, 255.0}, true, 0xFF0000}},
+    {{"Color Alpha", iParameterKind::Animated, ObjectText::LabelAlpha, 255.0, {0.0, 255.0}, true, 0x0096DC}},
+    {{.Key = "Size",
+      .Kind = iParameterKind::Size,
+      .Label = ObjectText::LabelSize,
+      .Load = iParameterLoad::ByClass},
+     &isrcLayer::size},
+};
+const iParameterTable<isrcLayer> isrcLayer::Parameters{parameterEntries};
 
 isrcLayer::isrcLayer(std::string name)
-    : iSource(std::move(name)), colorRed(this, "Color Red", 0x0000DC),
-      colorGreen(this, "Color Green", 0x00C800), colorBlue(this, "Color Blue", 0xFF0000),
-      colorAlpha(this, "Color Alpha", 0x0096DC) {}
+    : iSource(std::move(name)), colorRed(this, Parameters.Get("Color Red")),
+      colorGreen(this, Parameters.Get("Color Green")), colorBlue(this, Parameters.Get("Color Blue")),
+      colorAlpha(this, Parameters.Get("Color Alpha")) {}
 
 isrcLayer::~isrcLayer() {
     colorRed.Unlink();
@@ -36,7 +47,7 @@ isrcLayer::~isrcLayer() {
 }
 
 void isrcLayer::doSaveData(qvrCTreeData& block, hReport&) {
-    block.SetSize("Size", size.ToSize());
+    Parameters.SaveBlock(*this, block);
 }
 
 void isrcLayer::doLoadData(const qvrCTreeData& block, hReport& report) {
@@ -50,11 +61,7 @@ void isrcLayer::doLoadData(const qvrCTreeData& block, hReport& report) {
 
 std::unique_ptr<isrcLayer> isrcLayer::Clone() const {
     auto copy = std::make_unique<isrcLayer>(GetName());
-    copy->size = size;
-    copy->colorRed.AssignKeys(colorRed);
-    copy->colorGreen.AssignKeys(colorGreen);
-    copy->colorBlue.AssignKeys(colorBlue);
-    copy->colorAlpha.AssignKeys(colorAlpha);
+    Parameters.CopyTo(*this, *copy);
     return copy;
 }
 

@@ -7,8 +7,9 @@
 // Render and size queries may run on several threads at once (they only read);
 // edits of size and values belong to the main thread.
 
-#include "model/iActiveValue.h"
+#include "model/iParameter.h"
 #include "model/iSource.h"
+#include "objects/iLimitedValue.h"
 
 #include <cstdint>
 #include <memory>
@@ -46,29 +47,20 @@ public:
     iActiveValue& GetAlphaValue() { return colorAlpha; }
 
     static iFactoryProducerOf<isrcLayer> Producer;
+    static const iParameterTable<isrcLayer> Parameters;
 
 protected:
     bool doQueryImageSize(iImageSizeResult& result, long frame) override;
     bool doRender(EImage& image, iRenderResult& result, iRenderRequest& request) override;
 
 private:
-    // A colour channel: 0 to 255, white and opaque by default.
-    class ChannelValue : public iActiveValue {
-    public:
-        ChannelValue(isrcLayer* owner, std::string name, std::uint32_t curveColour);
-        const double* GetMaxLimit() const override { return &Max; }
-        const double* GetMinLimit() const override { return &Min; }
-
-    private:
-        static constexpr double Max = 255.0;
-        static constexpr double Min = 0.0;
-    };
+    static const iParameterEntry<isrcLayer> parameterEntries[];
 
     bool hasEmptySize() const { return size.Width == 0 || size.Height == 0; }
 
     EImageSize size{720, 576};
-    ChannelValue colorRed;
-    ChannelValue colorGreen;
-    ChannelValue colorBlue;
-    ChannelValue colorAlpha;
+    iLimitedValue colorRed;
+    iLimitedValue colorGreen;
+    iLimitedValue colorBlue;
+    iLimitedValue colorAlpha;
 };

@@ -6,6 +6,7 @@
 #include "foundation/hMessageBox.h"
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
@@ -13,6 +14,7 @@
 #include "imaging/EImageStorage.h"
 #include "model/hMenu.h"
 #include "model/iProject.h"
+#include "objects/ObjectText.h"
 
 #include <algorithm>
 #include <array>
@@ -32,14 +34,6 @@ enum MenuCommand : unsigned {
 
 // How long a new still image shows in the standard mode when it belongs to no project.
 constexpr long FramesPerStillWithoutProject = 100;
-
-CRect intersect(const CRect& a, const CRect& b) {
-    CRect both{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-               std::min(a.bottom, b.bottom)};
-    both.right = std::max(both.right, both.left);
-    both.bottom = std::max(both.bottom, both.top);
-    return both;
-}
 
 bool hasZero(CSize size) {
     return size.cx == 0 || size.cy == 0;
@@ -62,7 +56,9 @@ void deliver(EImage& image, std::unique_ptr<EImageData> picture) {
 // ---------------------------------------------------------------- flow control
 
 isrcSequence::FlowControlValue::FlowControlValue(isrcSequence& owner)
-    : iActiveValue("Flow control", 0.0, false), Sequence(owner) {}
+    : iActiveValue(std::string(isrcSequence::Parameters.Get("Flow control").Key),
+                   isrcSequence::Parameters.Get("Flow control")),
+      Sequence(owner) {}
 
 double isrcSequence::FlowControlValue::Highest() const {
     return static_cast<double>(Sequence.lastUsedFile + 1);
@@ -115,10 +111,7 @@ std::unique_ptr<isrcSequence> isrcSequence::Clone() {
     auto copy = std::make_unique<isrcSequence>(GetName());
     // The files first: taking files into an empty object would reset the range copied here.
     copy->SetFile(*this, false);
-    for (const auto& [name, field] : WholeKeys)
-        copy.get()->*field = this->*field;
-    for (const auto& [name, field] : SwitchKeys)
-        copy.get()->*field = this->*field;
+    Parameters.CopyTo(*this, *copy);
     copy->flowControl.AssignKeys(flowControl);
     copy->UpdateFlowControl(false, false);
     return copy;
@@ -250,7 +243,7 @@ bool isrcSequence::renderFile(EImage& image, iRenderResult& result, const iRende
         part.ImageSize = {ImageSize.cx, ImageSize.cy};
         part.Rect.left = static_cast<long>(static_cast<double>(request.Rect.left) / Aspect);
         part.Rect.right = static_cast<long>(static_cast<double>(request.Rect.right) / Aspect) + 1;
-        part.Rect = intersect(part.Rect, stored);
+        part.Rect = IntersectRectClamped(part.Rect, stored);
         if (request.FullSize) part.DisplaySize.Width = part.Rect.Width();
     }
     if (!request.FullSize && !UseProxies) {
@@ -279,7 +272,7 @@ bool isrcSequence::renderFile(EImage& image, iRenderResult& result, const iRende
                  static_cast<long>(static_cast<double>(delivered.right) * Aspect) + 1, delivered.bottom};
         shown.left = std::min(shown.left, request.Rect.left);
         shown.right = std::max(shown.right, request.Rect.right);
-        shown = intersect(shown, {0, 0, aspectSize.cx, aspectSize.cy});
+        shown = IntersectRectClamped(shown, WholeRect(aspectSize));
     }
     const CSize shownSize{shown.Width(), shown.Height()};
     // The aspect becomes pixels here; a picture that has the size already stays as it is.
@@ -394,24 +387,27 @@ bool isrcSequence::OnMenuCommand(unsigned id) {
 
 // ------------------------------------------------------------- project files
 
-const std::array<std::pair<const char*, long isrcSequence::*>, 4> isrcSequence::WholeKeys{{
-    {"FirstUsedFile", &isrcSequence::firstUsedFile},
-    {"LastUsedFile", &isrcSequence::lastUsedFile},
-    {"StdStartFrame", &isrcSequence::stdStartFrame},
-    {"StdFramesPerImg", &isrcSequence::stdFramesPerImg},
-}};
-
-const std::array<std::pair<const char*, bool isrcSequence::*>, 2> isrcSequence::SwitchKeys{{
-    {"CustomFlowControl", &isrcSequence::customFlowControl},
-    {"StdBackward", &isrcSequence::stdBackward},
-}};
+// The files are written in the block "Source" by the file group's own rules.
+// The flow control is a value only in custom mode; Clone copies its keys itself.
+const iParameterEntry<isrcSequence> isrcSequence::parameterEntries[] = {
+    {{"FirstUsedFile", iParameterKind::Number, ObjectText::LabelFirstUsedFile}, &isrcSequence::firstUsedFile},
+    {{"LastUsedFile", iParameterKind::Number, ObjectText::LabelLastUsedFile}, &isrcSequence::lastUsedFile},
+    {{"StdStartFrame", iParameterKind::Number, ObjectText::LabelStartFrame}, &isrcSequence::stdStartFrame},
+    {{"StdFramesPerImg", iParameterKind::Number, ObjectText::LabelFramesPerImage},
+     &isrcSequence::stdFramesPerImg},
+    {{"CustomFlowControl", iParameterKind::Flag, ObjectText::LabelCustomFlowControl},
+     &isrcSequence::customFlowControl},
+    {{"StdBackward", iParameterKind::Flag, ObjectText::LabelBackward}, &isrcSequence::stdBackward},
+    {{.Key = "Flow control",
+      .Kind = iParameterKind::Animated,
+      .Label = ObjectText::LabelFlowControl,
+      .Copy = iParameterCopy::NotCopied}},
+};
+const iParameterTable<isrcSequence> isrcSequence::Parameters{parameterEntries};
 
 void isrcSequence::doSaveData(qvrCTreeData& block, hReport&) {
     SaveSetup(*block.CreateChild("Source"));
-    for (const auto& [name, field] : WholeKeys)
-        block.SetLong(name, this->*field);
-    for (const auto& [name, field] : SwitchKeys)
-        block.SetBool(name, this->*field);
+    Parameters.SaveBlock(*this, block);
 }
 
 void isrcSequence::doLoadData(const qvrCTreeData& block, hReport& report) {
@@ -471,10 +467,7 @@ void isrcSequence::loadCurrentData(const qvrCTreeData& block, hReport& report) {
         report.Report("NO source data - setting source file(s) to none.", hReportError);
         static_cast<EFileGroupSetup&>(*this) = EFileGroupSetup();
     }
-    for (const auto& [name, field] : WholeKeys)
-        block.GetLong(name, this->*field);
-    for (const auto& [name, field] : SwitchKeys)
-        block.GetBool(name, this->*field);
+    Parameters.LoadBlock(*this, block);
 }
 
 void isrcSequence::checkLoadedRange(hReport& report) {

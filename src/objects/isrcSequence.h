@@ -15,6 +15,7 @@
 #include "foundation/qvrCSyncObjects.h"
 #include "imaging/EFileGroupSetup.h"
 #include "model/iActiveValue.h"
+#include "model/iParameter.h"
 #include "model/iSource.h"
 
 #include <array>
@@ -78,6 +79,7 @@ public:
     iActiveValue& GetFlowControl() { return flowControl; }
 
     static iFactoryProducerOf<isrcSequence> Producer;
+    static const iParameterTable<isrcSequence> Parameters;
 
 protected:
     bool doQueryImageSize(iImageSizeResult& result, long frame) override;
@@ -118,9 +120,7 @@ private:
                     const std::string& file);
     void registerFlowControl(bool registered);
 
-    // The object block's keys besides the files, which Clone copies too.
-    static const std::array<std::pair<const char*, long isrcSequence::*>, 4> WholeKeys;
-    static const std::array<std::pair<const char*, bool isrcSequence::*>, 2> SwitchKeys;
+    static const iParameterEntry<isrcSequence> parameterEntries[];
 
     long firstUsedFile = 0;
     long lastUsedFile = 0;

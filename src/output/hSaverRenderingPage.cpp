@@ -4,8 +4,9 @@
 #include "foundation/EUserInterface.h"
 #include "foundation/hMessageBox.h"
 #include "foundation/qvrString.h"
-#include "model/iSaver.h"
 #include "output/ESaverExecution.h"
+#include "output/OutputText.h"
+#include "output/iSaver.h"
 
 namespace {
 
@@ -15,7 +16,6 @@ enum : EStringId {
     textRangeEmpty = 65052,
     textRangeFrames = 65053,
     textDisableLogging = 65061,
-    textNotConfigured = 65063,
 };
 
 // A frame number as typed: whole and not negative.
@@ -69,7 +69,7 @@ bool hSaverRenderingPage::Leave() {
         Setup.LogKeep = false;
     }
     if (!Setup.IsValid()) {
-        hMessageBox::Show(EStringTable::Load(textNotConfigured),
+        hMessageBox::Show(EStringTable::Load(OutputText::NotConfigured),
                           hMessageBox::OK | hMessageBox::IconExclamation, "");
         return false;
     }

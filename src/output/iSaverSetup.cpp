@@ -2,15 +2,11 @@
 
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
+#include "output/OutputText.h"
 
 #include <utility>
 
 namespace {
-
-void readNumber(const qvrCTreeData& block, std::string_view key, std::uint32_t& value) {
-    long read = 0;
-    if (block.GetLong(key, read)) value = static_cast<std::uint32_t>(read);
-}
 
 // A value of 0 is replaced; true when it was.
 bool replaceZero(std::uint32_t& value, std::uint32_t replacement) {
@@ -20,6 +16,22 @@ bool replaceZero(std::uint32_t& value, std::uint32_t replacement) {
 }
 
 } // namespace
+
+const iParameterEntry<iSaverSetup> iSaverSetup::parameterEntries[] = {
+    {{"ErrorsIgnore", iParameterKind::Flag, OutputText::LabelErrorsIgnore}, &iSaverSetup::ErrorsIgnore},
+    {{"ErrorsReplaceBadFrames", iParameterKind::Flag, OutputText::LabelReplaceBadFrames},
+     &iSaverSetup::ErrorsReplaceBadFrames},
+    {{"LogKeep", iParameterKind::Flag, OutputText::LabelLogKeep}, &iSaverSetup::LogKeep},
+    {{"LogFile", iParameterKind::Text, OutputText::LabelLogFile}, &iSaverSetup::LogFile},
+    {{"VideoStart", iParameterKind::Number, OutputText::LabelFirstFrame}, &iSaverSetup::VideoStart},
+    {{"VideoEnd", iParameterKind::Number, OutputText::LabelLastFrame}, &iSaverSetup::VideoEnd},
+    {{"VideoSteps", iParameterKind::Number, OutputText::LabelStep}, &iSaverSetup::VideoSteps},
+    {{"VideoFPS", iParameterKind::Number, OutputText::LabelFrameRate}, &iSaverSetup::VideoFPS},
+    {{"VideoRes", iParameterKind::Number, OutputText::LabelRateDivisor}, &iSaverSetup::VideoRes},
+    {{"MiscMinimize", iParameterKind::Flag, OutputText::LabelMinimize}, &iSaverSetup::MiscMinimize},
+    {{"MiscThreadCnt", iParameterKind::Number, OutputText::LabelThreads}, &iSaverSetup::MiscThreadCnt},
+};
+const iParameterTable<iSaverSetup> iSaverSetup::Parameters{parameterEntries};
 
 bool iSaverSetup::IsValid() const {
     if (VideoEnd < VideoStart) return false;
@@ -33,17 +45,7 @@ void iSaverSetup::Reset() {
 
 void iSaverSetup::Load(const qvrCTreeData& block, hReport& report) {
     Reset();
-    block.GetBool("ErrorsIgnore", ErrorsIgnore);
-    block.GetBool("ErrorsReplaceBadFrames", ErrorsReplaceBadFrames);
-    block.GetBool("LogKeep", LogKeep);
-    if (const std::string* logFile = block.GetText("LogFile")) LogFile = *logFile;
-    readNumber(block, "VideoStart", VideoStart);
-    readNumber(block, "VideoEnd", VideoEnd);
-    readNumber(block, "VideoSteps", VideoSteps);
-    readNumber(block, "VideoFPS", VideoFPS);
-    readNumber(block, "VideoRes", VideoRes);
-    block.GetBool("MiscMinimize", MiscMinimize);
-    readNumber(block, "MiscThreadCnt", MiscThreadCnt);
+    Parameters.LoadBlock(*this, block);
     if (repair())
         report.Report("Saver rendering settings were invalid in some points - has been fixed.",
                       hReportWarning);
@@ -67,15 +69,5 @@ bool iSaverSetup::repair() {
 }
 
 void iSaverSetup::Save(qvrCTreeData& block) const {
-    block.SetBool("ErrorsIgnore", ErrorsIgnore);
-    block.SetBool("ErrorsReplaceBadFrames", ErrorsReplaceBadFrames);
-    block.SetBool("LogKeep", LogKeep);
-    block.SetText("LogFile", LogFile);
-    block.SetLong("VideoStart", VideoStart);
-    block.SetLong("VideoEnd", VideoEnd);
-    block.SetLong("VideoSteps", VideoSteps);
-    block.SetLong("VideoFPS", VideoFPS);
-    block.SetLong("VideoRes", VideoRes);
-    block.SetBool("MiscMinimize", MiscMinimize);
-    block.SetLong("MiscThreadCnt", MiscThreadCnt);
+    Parameters.SaveBlock(*this, block);
 }

@@ -4,11 +4,12 @@
 // A value object, copied whole between savers, dialogs and runs; a copy
 // belongs to one thread.
 
+#include "model/iParameter.h"
+
 #include <cstdint>
 #include <string>
 
 class hReport;
-class qvrCTreeData;
 
 class iSaverSetup {
 public:
@@ -41,7 +42,11 @@ public:
     // The number of render threads asked for.
     std::uint32_t MiscThreadCnt = 4;
 
+    static const iParameterTable<iSaverSetup> Parameters;
+
 private:
+    static const iParameterEntry<iSaverSetup> parameterEntries[];
+
     // True when something had to be mended.
     bool repair();
 };

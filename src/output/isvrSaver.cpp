@@ -2,13 +2,15 @@
 
 #include "foundation/ELog.h"
 #include "foundation/hReport.h"
+#include "foundation/hTruncate.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
-#include "objects/hTruncate.h"
 #include "output/EImageOutputStream.h"
+#include "output/OutputText.h"
 
 #include <algorithm>
 
@@ -34,22 +36,9 @@ long divided(long coordinate, double factor) {
     return hTruncate(static_cast<double>(coordinate) / factor);
 }
 
-CRect intersection(const CRect& a, const CRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
-CSize sizeOf(const CRect& rect) {
-    return {rect.Width(), rect.Height()};
-}
-
 // The pixel size in which a request wants its rectangle.
 CSize outputSize(const iRenderRequest& request) {
-    return request.FullSize ? sizeOf(request.Rect) : request.DisplaySize.ToSize();
-}
-
-CRect wholeOf(CSize size) {
-    return {0, 0, size.cx, size.cy};
+    return request.FullSize ? SizeOfRect(request.Rect) : request.DisplaySize.ToSize();
 }
 
 // Gives the holder a new picture, dropping the one it had; false when the
@@ -97,23 +86,39 @@ bool isvrSaver::CanExecute() const {
 
 // ---------------------------------------------------------------- the project file
 
+// Besides these, the block holds the render settings and the stream's name
+// ("Stream"), which the saver's own rules write and read with the stream's setup
+// and the size.
+const iParameterEntry<isvrSaver> isvrSaver::parameterEntries[] = {
+    {{.Key = "StreamSetup",
+      .Kind = iParameterKind::Text,
+      .Label = OutputText::LabelStreamSetup,
+      .Load = iParameterLoad::ByClass},
+     &isvrSaver::StreamSetup},
+    {{"File(s)", iParameterKind::Text, OutputText::LabelFiles}, &isvrSaver::FileName},
+    {{.Key = "Size",
+      .Kind = iParameterKind::Size,
+      .Label = OutputText::LabelOutputSize,
+      .Limits = {MinSide, std::nullopt},
+      .Load = iParameterLoad::ByClass},
+     &isvrSaver::Size},
+    {{"RenderLoQuality", iParameterKind::Flag, OutputText::LabelLowQuality}, &isvrSaver::RenderLoQuality},
+    {{"RenderLoScaleQuality", iParameterKind::Flag, OutputText::LabelLowQualityScaling},
+     &isvrSaver::RenderLoScaleQuality},
+};
+const iParameterTable<isvrSaver> isvrSaver::Parameters{parameterEntries};
+
 void isvrSaver::doSaveData(qvrCTreeData& block, hReport&) {
     Setup.Save(block);
     block.SetText("Stream", Stream ? Stream->GetName() : "");
-    block.SetText("StreamSetup", StreamSetup);
-    block.SetText("File(s)", FileName);
-    block.SetSize("Size", Size.ToSize());
-    block.SetBool("RenderLoQuality", RenderLoQuality);
-    block.SetBool("RenderLoScaleQuality", RenderLoScaleQuality);
+    Parameters.SaveBlock(*this, block);
 }
 
 void isvrSaver::doLoadData(const qvrCTreeData& block, hReport& report) {
     Setup.Load(block, report);
     loadStream(block, report);
-    if (const std::string* file = block.GetText("File(s)")) FileName = *file;
     loadSize(block, report);
-    block.GetBool("RenderLoQuality", RenderLoQuality);
-    block.GetBool("RenderLoScaleQuality", RenderLoScaleQuality);
+    Parameters.LoadBlock(*this, block);
 }
 
 void isvrSaver::loadStream(const qvrCTreeData& block, hReport& report) {
@@ -165,11 +170,7 @@ std::unique_ptr<isvrSaver> isvrSaver::Clone() {
     auto copy = std::make_unique<isvrSaver>(GetName());
     copy->Setup = Setup;
     copy->Stream = Stream;
-    copy->StreamSetup = StreamSetup;
-    copy->Size = Size;
-    copy->FileName = FileName;
-    copy->RenderLoQuality = RenderLoQuality;
-    copy->RenderLoScaleQuality = RenderLoScaleQuality;
+    Parameters.CopyTo(*this, *copy);
     return copy;
 }
 
@@ -223,9 +224,9 @@ isvrSaver::PureResult isvrSaver::renderPureData(iElement& source, EImageSize sou
     section.ScaleY = static_cast<double>(sourceSize.Height) / static_cast<double>(Size.Height);
     const CRect& wanted = request.Rect;
     section.Rect =
-        intersection({scaled(wanted.left, section.ScaleX), scaled(wanted.top, section.ScaleY),
-                      scaled(wanted.right, section.ScaleX) + 1, scaled(wanted.bottom, section.ScaleY) + 1},
-                     wholeOf(sourceSize.ToSize()));
+        IntersectRect({scaled(wanted.left, section.ScaleX), scaled(wanted.top, section.ScaleY),
+                       scaled(wanted.right, section.ScaleX) + 1, scaled(wanted.bottom, section.ScaleY) + 1},
+                      WholeRect(sourceSize.ToSize()));
     if (section.Rect.IsRectEmpty()) return PureResult::NothingVisible;
 
     iRenderRequest asked(request);
@@ -261,7 +262,7 @@ isvrSaver::PureResult isvrSaver::scaleSection(const SourceSection& section, EIma
         result.SetError(render_out_of_memory, this, text_out_of_memory);
         return PureResult::Failed;
     }
-    CRect part = wholeOf(rendered->GetSize());
+    CRect part = WholeRect(rendered->GetSize());
     const CRect& position = result.Rect;
     if (!position.IsRectEmpty()) {
         part.left = std::max(0L, section.Rect.left - position.left);
@@ -273,7 +274,7 @@ isvrSaver::PureResult isvrSaver::scaleSection(const SourceSection& section, EIma
         lock.SetData(nullptr);
         return PureResult::NothingVisible;
     }
-    picture->Stretch(*rendered, part, wholeOf(picture->GetSize()), EImageBlend::Copy,
+    picture->Stretch(*rendered, part, WholeRect(picture->GetSize()), EImageBlend::Copy,
                      filterFor(!RenderLoScaleQuality));
     lock.SetData(std::move(picture));
     result.Rect = request.Rect;
@@ -293,7 +294,7 @@ bool isvrSaver::RenderFrame(EImage& image, iRenderResult& result, iRenderRequest
         result.SetError(render_failed, this, text_virtual_memory_low);
         return false;
     }
-    CRect part = wholeOf(rendered->GetSize());
+    CRect part = WholeRect(rendered->GetSize());
     if (!request.Rect.IsRectEmpty() && !result.Rect.IsRectEmpty()) {
         part = pictureSection(request.Rect, result.Rect, rendered->GetSize());
         if (part.IsRectEmpty()) {
@@ -306,7 +307,8 @@ bool isvrSaver::RenderFrame(EImage& image, iRenderResult& result, iRenderRequest
         result.SetError(render_out_of_memory, this, text_out_of_memory);
         return false;
     }
-    picture->Stretch(*rendered, part, wholeOf(picture->GetSize()), EImageBlend::Copy, EImageFilter::Filtered);
+    picture->Stretch(*rendered, part, WholeRect(picture->GetSize()), EImageBlend::Copy,
+                     EImageFilter::Filtered);
     lock.SetData(std::move(picture));
     result.Rect = request.Rect;
     return true;

@@ -10,7 +10,7 @@
 // loading and saving belong to the main thread, and are not changed while a
 // run goes on.
 
-#include "model/iSaver.h"
+#include "output/iSaver.h"
 
 #include <memory>
 #include <string>
@@ -57,6 +57,7 @@ public:
 
     static constexpr long MinSide = 10;
     static iFactoryProducerOf<isvrSaver> Producer;
+    static const iParameterTable<isvrSaver> Parameters;
 
 protected:
     // The source's size for the frame, with the saver's size in its place.
@@ -75,6 +76,8 @@ private:
                             const iRenderRequest& request);
     void loadStream(const qvrCTreeData& block, hReport& report);
     void loadSize(const qvrCTreeData& block, hReport& report);
+
+    static const iParameterEntry<isvrSaver> parameterEntries[];
 
     const EImageOutputStream* Stream;
     std::string StreamSetup;

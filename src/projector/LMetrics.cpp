@@ -2,6 +2,7 @@
 
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrString.h"
 
 #include <algorithm>
@@ -30,14 +31,6 @@ void readResolution(std::string_view text, double& resolution) {
 
 std::string windowKey(std::size_t window) {
     return qvrFormat("Window#%02ld", static_cast<long>(window + 1));
-}
-
-// The rectangle that holds both; an empty rectangle adds nothing.
-CRect unite(const CRect& a, const CRect& b) {
-    if (b.IsRectEmpty()) return a;
-    if (a.IsRectEmpty()) return b;
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
 }
 
 std::string windowText(EStringId textId, std::size_t window) {
@@ -164,7 +157,7 @@ bool LMetrics::DerivePixelWindows() {
     if (ResolutionX <= MinDerivableResolution || ResolutionY <= MinDerivableResolution) return false;
     CRect bounds;
     for (const CRect& window : Windows)
-        bounds = unite(bounds, window);
+        bounds = UnionRect(bounds, window);
     if (bounds.IsRectEmpty()) return false;
     for (std::size_t index = 0; index < ProjectorCount; ++index) {
         const CRect& window = Windows[index];

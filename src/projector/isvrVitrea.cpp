@@ -2,11 +2,13 @@
 
 #include "foundation/EStringTable.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 #include "output/EImageOutputStream.h"
+#include "projector/ProjectorText.h"
 
 #include <algorithm>
 
@@ -14,15 +16,9 @@ iFactoryProducerOf<isvrVitrea> isvrVitrea::Producer(iSaver::ClassType, "Vitrea:1
 
 namespace {
 
-constexpr const char* KeyDisplayWindows = "DisplayWindows";
-constexpr const char* KeyMaskColor = "MaskColor";
 constexpr const char* TextOutOfMemory = "Out of memory.";
 // Black with alpha 0: what a projector shows where it has no picture.
 constexpr std::uint32_t EmptyColour = 0x00000000;
-
-CSize sizeOf(const CRect& rect) {
-    return {rect.Width(), rect.Height()};
-}
 
 // A picture of the size in the empty colour; null when memory is short.
 std::unique_ptr<EImageData> emptyPicture(CSize size) {
@@ -45,19 +41,26 @@ isvrVitrea::isvrVitrea(std::string name) : iSaver(std::move(name)) {}
 
 // ---------------------------------------------------------------- the project file
 
+// Besides these, the block holds the render settings and the projector
+// configuration, which write and read themselves. The mask colour is written
+// as an unsigned number.
+const iParameterEntry<isvrVitrea> isvrVitrea::parameterEntries[] = {
+    {{"DisplayWindows", iParameterKind::Flag, ProjectorText::LabelDisplayWindows},
+     &isvrVitrea::DisplayWindows},
+    {{"MaskColor", iParameterKind::Number, ProjectorText::LabelMaskColor}, &isvrVitrea::MaskColor},
+};
+const iParameterTable<isvrVitrea> isvrVitrea::Parameters{parameterEntries};
+
 void isvrVitrea::doSaveData(qvrCTreeData& block, hReport&) {
     Setup.Save(block);
     Configuration.Save(block);
-    block.SetBool(KeyDisplayWindows, DisplayWindows);
-    block.SetLong(KeyMaskColor, static_cast<long>(MaskColor));
+    Parameters.SaveBlock(*this, block);
 }
 
 void isvrVitrea::doLoadData(const qvrCTreeData& block, hReport& report) {
     Setup.Load(block, report);
     Configuration.Load(block, report);
-    block.GetBool(KeyDisplayWindows, DisplayWindows);
-    long colour = 0;
-    if (block.GetLong(KeyMaskColor, colour)) MaskColor = static_cast<std::uint32_t>(colour);
+    Parameters.LoadBlock(*this, block);
 }
 
 // ---------------------------------------------------------------- the run's pictures
@@ -101,7 +104,7 @@ std::unique_ptr<EImageData> isvrVitrea::RenderSaverImage(long frame, std::size_t
     if (clip.IsRectEmpty()) {
         qvrTraceVerbose(
             "*** NOTE[isvrVitrea::RenderSaverImage()]: Clipped rectangle lays out of sight :O !\n");
-        auto empty = emptyPicture(sizeOf(window));
+        auto empty = emptyPicture(SizeOfRect(window));
         if (!empty) status = TextOutOfMemory;
         return empty;
     }
@@ -120,7 +123,7 @@ std::unique_ptr<EImageData> isvrVitrea::RenderSaverImage(long frame, std::size_t
         return nullptr;
     }
     if (clip == window) return picture;
-    auto whole = emptyPicture(sizeOf(window));
+    auto whole = emptyPicture(SizeOfRect(window));
     if (!whole) {
         status = TextOutOfMemory;
         return nullptr;

@@ -12,7 +12,7 @@
 // are not changed while a run goes on.
 
 #include "foundation/qvrCSyncObjects.h"
-#include "model/iSaver.h"
+#include "output/iSaver.h"
 #include "projector/LConfiguration.h"
 
 #include <cstdint>
@@ -59,6 +59,7 @@ public:
     void SetMaskColor(std::uint32_t colour) { MaskColor = colour; }
 
     static iFactoryProducerOf<isvrVitrea> Producer;
+    static const iParameterTable<isvrVitrea> Parameters;
 
 protected:
     // The source's picture, masked outside the windows when DisplayWindows is on.
@@ -70,6 +71,8 @@ private:
                       const CRect& part, const qvrCEvent* stop);
     // Puts the parts of the picture that the windows cover on the mask colour.
     bool maskWindows(EImage& image, iRenderResult& result, const iRenderRequest& request);
+
+    static const iParameterEntry<isvrVitrea> parameterEntries[];
 
     LConfiguration Configuration;
     bool DisplayWindows = true;

@@ -1,9 +1,10 @@
 #include "views/CObjectMergerView.h"
 
+#include "foundation/hTruncate.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 #include "model/iGrid.h"
-#include "objects/hTruncate.h"
 #include "objects/imodMerger.h"
 #include "views/CObjectViewCanvas.h"
 #include "views/CViewHost.h"
@@ -13,10 +14,6 @@
 #include <vector>
 
 namespace {
-
-bool holds(const CRect& rect, CPoint point) {
-    return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
-}
 
 // The composer's layers, bottom first: every link after the background's.
 std::vector<imodMergerLink*> layersOf(const imodMerger& composer) {
@@ -54,7 +51,7 @@ imodMergerLink* CObjectMergerView::layerAt(CPoint point) const {
     if (!merger) return nullptr;
     const std::vector<imodMergerLink*> layers = layersOf(*merger);
     for (auto it = layers.rbegin(); it != layers.rend(); ++it)
-        if (isSelectable(**it) && holds((*it)->GetLayerRect(), point)) return *it;
+        if (isSelectable(**it) && PtInRect((*it)->GetLayerRect(), point)) return *it;
     return nullptr;
 }
 

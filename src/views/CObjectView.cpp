@@ -2,6 +2,7 @@
 
 #include "foundation/EUserInterface.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrTrace.h"
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
@@ -15,15 +16,6 @@
 #include <cmath>
 
 namespace {
-
-CRect intersection(const CRect& a, const CRect& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
-CRect inflated(const CRect& rect, long by) {
-    return {rect.left - by, rect.top - by, rect.right + by, rect.bottom + by};
-}
 
 // Hands a grid's outlines, given in picture coordinates, to the window's canvas.
 class PictureOutlines : public iGridCanvas {
@@ -83,7 +75,7 @@ void CObjectView::paintAround(CObjectViewCanvas& target, const CRect& area, cons
 }
 
 void CObjectView::OnDraw(CObjectViewCanvas& target) {
-    const CRect area = inflated(target.GetClipBox(), 1);
+    const CRect area = InflateRect(target.GetClipBox(), 1);
     iElement* element = GetElement();
     if (!element) {
         qvrTraceVerbose("*** NOTE[CObjectView::OnDraw()]: No element to draw.\n");
@@ -98,7 +90,7 @@ void CObjectView::OnDraw(CObjectViewCanvas& target) {
     }
     ImageSize = size.Size;
     const CRect section =
-        intersection(Mapping.ToClient(CRect{0, 0, ImageSize.Width, ImageSize.Height}), area);
+        IntersectRect(Mapping.ToClient(CRect{0, 0, ImageSize.Width, ImageSize.Height}), area);
     if (section.IsRectEmpty()) {
         target.FillRect(area, Ground);
         return;
@@ -113,7 +105,7 @@ void CObjectView::renderSection(CObjectViewCanvas& target, iElement& element, co
     const CRect shown = Mapping.ToPaneCovering(section);
     iRenderRequest request;
     request.ImageSize = ImageSize;
-    request.Rect = intersection(shown, CRect{0, 0, ImageSize.Width, ImageSize.Height});
+    request.Rect = IntersectRect(shown, CRect{0, 0, ImageSize.Width, ImageSize.Height});
     request.DisplaySize = {std::max(section.Width(), MinDisplaySide),
                            std::max(section.Height(), MinDisplaySide)};
     request.FullSize = false;

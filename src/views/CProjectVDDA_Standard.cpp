@@ -1,5 +1,6 @@
 #include "views/CProjectVDDA_Standard.h"
 
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 #include "model/iElement.h"
@@ -11,14 +12,6 @@
 #include "views/ioleConnector.h"
 
 namespace {
-
-CPoint difference(CPoint to, CPoint from) {
-    return {to.x - from.x, to.y - from.y};
-}
-
-CPoint shifted(CPoint point, CPoint delta) {
-    return {point.x + delta.x, point.y + delta.y};
-}
 
 // Action and status text for each answer of CheckLinkParent.
 struct LinkOutcome {
@@ -99,7 +92,7 @@ std::vector<iElement*> CProjectVDDA_Standard::GetElements() const {
 }
 
 CPoint CProjectVDDA_Standard::GetOffset() const {
-    return difference(CurrentPos, OriginalPos);
+    return CurrentPos - OriginalPos;
 }
 
 CProjectVDDA_Standard::Target CProjectVDDA_Standard::findTarget(CPoint point) const {
@@ -129,13 +122,13 @@ void CProjectVDDA_Standard::moveBy(CPoint delta) {
     if (delta == CPoint{}) return;
     for (const auto& element : Elements)
         if (iElement* dragged = element.Get())
-            dragged->SetPanePosition(shifted(dragged->GetPanePosition(), delta), false);
+            dragged->SetPanePosition(dragged->GetPanePosition() + delta, false);
     for (const auto& group : Groups)
-        if (iElementGroup* dragged = group.Get()) dragged->SetPanePos(shifted(dragged->GetPanePos(), delta));
+        if (iElementGroup* dragged = group.Get()) dragged->SetPanePos(dragged->GetPanePos() + delta);
 }
 
 void CProjectVDDA_Standard::PutBack() {
-    moveBy(difference(OriginalPos, CurrentPos));
+    moveBy(OriginalPos - CurrentPos);
     CurrentPos = OriginalPos;
 }
 
@@ -169,7 +162,7 @@ int CProjectVDDA_Standard::OnDragOver(CPoint point) {
         View.SetStatusText(EStringTable::Load(text_reposition_over));
     }
     if (follow) {
-        moveBy(difference(point, CurrentPos));
+        moveBy(point - CurrentPos);
         CurrentPos = point;
     }
     return CurrentAction;
@@ -215,12 +208,12 @@ bool CProjectVDDA_Standard::dropMove() {
     std::vector<Action_iElementsMove::Placement> placements;
     for (iElement* element : GetElements()) {
         const CPoint to = element->GetPanePosition();
-        placements.push_back({element->GetName(), false, difference(to, offset), to});
+        placements.push_back({element->GetName(), false, (to - offset), to});
     }
     for (const auto& group : Groups)
         if (iElementGroup* moved = group.Get()) {
             const CPoint to = moved->GetPanePos();
-            placements.push_back({moved->GetName(), true, difference(to, offset), to});
+            placements.push_back({moved->GetName(), true, (to - offset), to});
         }
     if (placements.empty()) return cancel();
     PutBack();

@@ -1,10 +1,10 @@
 #include "views/CProjectView.h"
 
-#include "app/CTessarineDoc.h"
 #include "foundation/EPrefsDiskIO.h"
 #include "foundation/EUserInterface.h"
 #include "foundation/hReport.h"
 #include "foundation/qvrCTreeData.h"
+#include "foundation/qvrGeometry.h"
 #include "foundation/qvrTrace.h"
 #include "model/Action.h"
 #include "model/hMenu.h"
@@ -34,15 +34,6 @@ template <class Object, class Clear> void selectByClick(Object& object, bool add
         clearSelection();
         object.SetSelected(true);
     }
-}
-
-bool contains(const CRect& rect, CPoint point) {
-    return point.x >= rect.left && point.x < rect.right && point.y >= rect.top && point.y < rect.bottom;
-}
-
-CRect normalized(const CRect& rect) {
-    return {std::min(rect.left, rect.right), std::min(rect.top, rect.bottom), std::max(rect.left, rect.right),
-            std::max(rect.top, rect.bottom)};
 }
 
 std::vector<std::string> namesOf(const std::vector<iElement*>& elements) {
@@ -178,15 +169,15 @@ bool CProjectView::SelectAt(CPoint client, unsigned keys) {
 }
 
 void CProjectView::SelectInRect(const CRect& client, unsigned keys) {
-    const CRect shown = normalized(client);
+    const CRect shown = NormalizeRect(client);
     const CPoint topLeft = ClientToPane({shown.left, shown.top});
     const CPoint bottomRight = ClientToPane({shown.right, shown.bottom});
     const CRect pane{topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
     if (!(keys & key_control)) clearSelection();
     for (iElement* element : Project.GetElements())
-        if (IsShown(*element) && contains(pane, element->GetPanePosition())) element->SetSelected(true);
+        if (IsShown(*element) && PtInRect(pane, element->GetPanePosition())) element->SetSelected(true);
     for (const auto& group : Project.GetGroups())
-        if (contains(pane, group->GetPanePos())) group->SetSelected(true);
+        if (PtInRect(pane, group->GetPanePos())) group->SetSelected(true);
     redraw();
 }
 
@@ -465,7 +456,7 @@ void CProjectView::RestartAutoSave(bool saveNow) {
     long interval = 0;
     if (!EPrefsDiskIO::GetAutoSave(file, interval, AutoSaveLockTimeoutMs)) return;
     if (saveNow)
-        if (auto* document = dynamic_cast<CTessarineDoc*>(Project.GetDocument())) document->AutoSave(file);
+        if (iProjectDocument* document = Project.GetDocument()) document->AutoSave(file);
     if (interval == 0) return;
     qvrTraceVerbose("*** NOTE[CProjectView::RestartAutoSave()]: Setting autosave timer to %ld mins !\n",
                     interval);

@@ -1,19 +1,12 @@
 #include "imaging/EImage.h"
 #include "imaging/EImageData.h"
 #include "model/TestElements.h"
-#include "model/iSaver.h"
 
 #include <gtest/gtest.h>
 
 #include <thread>
 
 namespace {
-
-class TestSaver : public iSaver {
-public:
-    using iSaver::iSaver;
-    iFactoryProducer* GetProducer() const override { return &TestNode::Producer; }
-};
 
 bool HasPicture(EImage& image) {
     EImageLock lock(image);
@@ -167,16 +160,4 @@ TEST(iModifierRender, DisabledModifierIsAStraightWireToItsParent) {
     source.Configured = true;
     EXPECT_TRUE(modifier.Render(image, result, request));
     EXPECT_EQ(modifier.ModifierRenders, 1);
-}
-
-TEST(iSaverRender, SaverWithoutParentSaysSo) {
-    TestSaver saver("Saver");
-    EImage image(0);
-    iRenderResult result;
-    iRenderRequest request;
-    EXPECT_FALSE(saver.Render(image, result, request));
-    EXPECT_EQ(result.Message, "No parent (source) object is assigned to the saver.");
-    iImageSizeResult size;
-    EXPECT_FALSE(saver.QueryImageSize(size, 0));
-    EXPECT_EQ(size.Code, render_failed);
 }

@@ -1,4 +1,4 @@
-#include "model/iSaver.h"
+#include "output/iSaver.h"
 
 #include "model/hMenu.h"
 #include "output/ESaverFrontEnd.h"

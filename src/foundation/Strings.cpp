@@ -1,0 +1,6 @@
+#include "foundation/EStringTable.h"
+
+static constexpr EStringEntry foundationStrings[] = {
+#include "foundation/Strings.inc"
+};
+static const EStringTable::Section foundationSection(foundationStrings);
