@@ -5,6 +5,7 @@
 #include "foundation/EEnvironment.h"
 #include "foundation/iDataBase.h"
 #include "foundation/qvrString.h"
+#include "app/AppText.h"
 
 #include <filesystem>
 
@@ -19,10 +20,10 @@ std::string CTessarineApp::UserPreferencesPath() {
 }
 
 bool CTessarineApp::InitInstance(const CCommandLineInfo& commandLine, EInitializerStatus& status) {
-    status.SetStatus(EStringTable::Load(40200), 1);
+    status.SetStatus(EStringTable::Load(AppText::SettingUpEnvironment), 1);
     if (!EInitializer::DoInitInstance(status)) return false;
     Started = true;
-    status.SetStatus(EStringTable::Load(40201), 1);
+    status.SetStatus(EStringTable::Load(AppText::InitializingSubsystems), 1);
     if (commandLine.RunEmbedded || commandLine.RunAutomated) return true;
     CTessarineDoc::RestoreCurrentDirectory();
     readPreferences();

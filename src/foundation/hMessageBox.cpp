@@ -2,6 +2,7 @@
 
 #include "foundation/EUserInterface.h"
 #include "foundation/qvrTrace.h"
+#include "foundation/FoundationText.h"
 
 #include <array>
 
@@ -28,7 +29,7 @@ const std::array<ButtonSet, 6> buttonSets = {{
 std::string buttonLabel(int id) {
     switch (id) {
     case IDOK:
-        return EStringTable::Load(40000);
+        return EStringTable::Load(FoundationText::ButtonOk);
     case IDCANCEL:
         return "Cancel";
     case IDABORT:
@@ -64,7 +65,7 @@ EMessageRequest buildRequest(const std::string& text, unsigned type, const std::
     request.Icon = (icon >= hMessageBox::IconStop && icon <= hMessageBox::IconInformation) ? icon : 0;
     if (withMemory)
         request.AlwaysText =
-            qvrFormatMessage(EStringTable::Get(40013), {request.Labels[request.DefaultIndex]});
+            qvrFormatMessage(EStringTable::Get(FoundationText::AlwaysAnswer), {request.Labels[request.DefaultIndex]});
     return request;
 }
 

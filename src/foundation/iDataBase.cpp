@@ -7,6 +7,7 @@
 #include "foundation/qvrCException.h"
 #include "foundation/qvrCTextFile.h"
 #include "foundation/qvrTrace.h"
+#include "foundation/FoundationText.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -23,7 +24,7 @@ public:
     void OnBlockStart(qvrCTextFile&, long line) override {
         if (ShowProgress)
             EUserInterface::Get().SetStatusText(
-                qvrFormatMessage(EStringTable::Get(50503), {Path, line, std::string()}));
+                qvrFormatMessage(EStringTable::Get(FoundationText::LoadingObject), {Path, line, std::string()}));
     }
     void OnBadFormat(qvrCTextFile&, long line, const std::string&, int code) override {
         Lines.push_back(qvrFormat("Line %3ld: %s.", line, qvrCTreeData::BadFormatText(code)));
@@ -31,7 +32,7 @@ public:
     void OnNodeSaved(qvrCTextFile&, const qvrCTreeData& node) override {
         if (ShowProgress)
             EUserInterface::Get().SetStatusText(
-                qvrFormatMessage(EStringTable::Get(50504), {Path, node.GetName()}));
+                qvrFormatMessage(EStringTable::Get(FoundationText::SavingObject), {Path, node.GetName()}));
     }
 
     std::string Path;
@@ -109,7 +110,7 @@ bool iDataBase::readFile(const std::string& path, bool showProgress, bool askUse
         return false;
     }
     if (IsEmpty()) {
-        context.Report(50506, hReportFailure);
+        context.Report(FoundationText::FileHasNoData, hReportFailure);
         return false;
     }
     if (!acceptVersion(path, askUser)) return false;
@@ -123,7 +124,7 @@ bool iDataBase::acceptVersion(const std::string& path, bool askUser) {
     OldFile = qvrEqualNoCase(Value, OldVersion);
     if (OldFile || qvrEqualNoCase(Value, CurrentVersion)) return true;
     if (!askUser) return false;
-    std::string text = qvrFormatMessage(EStringTable::Get(50505), {path});
+    std::string text = qvrFormatMessage(EStringTable::Get(FoundationText::UnknownVersion), {path});
     return hMessageBox::Show(text, hMessageBox::YesNo | hMessageBox::IconExclamation, "qvrTessarine") ==
            IDYES;
 }
@@ -149,10 +150,10 @@ bool iDataBase::Load(const std::string& path, uint32_t mask, uint32_t flags, hRe
     hReport context(report ? report : &localRoot, "Database");
     bool interactive = report == nullptr;
     bool showProgress = interactive && (flags & DBFlagProgress);
-    if (showProgress) EUserInterface::Get().SetStatusText(EStringTable::Load(50501));
+    if (showProgress) EUserInterface::Get().SetStatusText(EStringTable::Load(FoundationText::LoadingDatabase));
     bool ok = readFile(path, showProgress, interactive, context);
     if (ok && !(flags & DBFlagCheckOnly)) giveBlocksToSections(mask, context);
-    if (interactive) showLines(localRoot.GetEntries(), 50507, path);
+    if (interactive) showLines(localRoot.GetEntries(), FoundationText::LoadEvents, path);
     return ok;
 }
 
@@ -224,7 +225,7 @@ bool iDataBase::Save(const std::string& path, uint32_t mask, uint32_t flags, hRe
     iDataBaseSection::LinkWaitingSections();
     hReportRoot localRoot("Database");
     hReport context(report ? report : &localRoot, "Database");
-    if (!report && (flags & DBFlagProgress)) EUserInterface::Get().SetStatusText(EStringTable::Load(50502));
+    if (!report && (flags & DBFlagProgress)) EUserInterface::Get().SetStatusText(EStringTable::Load(FoundationText::SavingDatabase));
     buildTree(mask & 7, context);
     if (IsEmpty()) {
         if (report)
@@ -235,6 +236,6 @@ bool iDataBase::Save(const std::string& path, uint32_t mask, uint32_t flags, hRe
         return false;
     }
     bool ok = writeAndReplace(path, report != nullptr, context);
-    if (!report) showLines(localRoot.GetEntries(), 50511, path);
+    if (!report) showLines(localRoot.GetEntries(), FoundationText::SaveEvents, path);
     return ok;
 }

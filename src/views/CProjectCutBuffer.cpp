@@ -1,5 +1,6 @@
 #include "views/CProjectCutBuffer.h"
 
+#include "foundation/FoundationText.h"
 #include "foundation/hReport.h"
 #include "foundation/iDataBase.h"
 #include "foundation/qvrCTextFile.h"
@@ -16,8 +17,6 @@ namespace {
 using NameSet = std::set<std::string, qvrNoCaseLess>;
 
 constexpr const char* ElementsBlock = "Elements";
-// "File contains no data."
-constexpr EStringId textNoData = 50506;
 
 std::string nameInDescriptor(const std::string& descriptor) {
     std::string className, typeName, objectName;
@@ -116,7 +115,7 @@ std::unique_ptr<qvrCTreeData> CProjectCutBuffer::Read(const std::string& text, i
     root.Load(file, lines, false, nullptr);
     const qvrCTreeData* elements = findElements(root);
     if (!elements) {
-        report.Report(textNoData, hReportFailure);
+        report.Report(FoundationText::FileHasNoData, hReportFailure);
         return nullptr;
     }
     hReportRoot reading(SectionName);
