@@ -377,6 +377,7 @@ bool CMainFrame::OpenDocument(const QString& path) {
         addRecentFile(path);
         Pane->GetView().CenterAllObjects();
         openRestoredViews();
+        status("Ready");
     } else {
         // Nothing half-built stays behind.
         Restored.clear();
@@ -487,7 +488,10 @@ CObjectViewWindow* CMainFrame::OpenView(iElement& element, const qvrCTreeData* w
     auto* view = new CObjectViewWindow(project(), dock);
     dock->setWidget(view);
     view->GetFrame().DoSetElement(&element);
-    if (windowBlock) view->GetFrame().LoadWindow(*windowBlock);
+    if (windowBlock)
+        view->GetFrame().LoadWindow(*windowBlock);
+    else
+        view->FitWhenSized();
     dock->setWindowTitle(view->GetTitle());
     connect(view, &CObjectViewWindow::TitleChanged, dock, &QDockWidget::setWindowTitle);
     connect(view, &CObjectViewWindow::Closing, this, &CMainFrame::closeView);
@@ -497,9 +501,20 @@ CObjectViewWindow* CMainFrame::OpenView(iElement& element, const qvrCTreeData* w
     if (!place.IsRectEmpty()) {
         resizeDocks({dock}, {int(place.Width())}, Qt::Horizontal);
         resizeDocks({dock}, {int(place.Height())}, Qt::Vertical);
+    } else if (Views.empty()) {
+        resizeDocks({dock}, {width() * 2 / 5}, Qt::Horizontal);
     }
     Views.push_back(view);
+    if (place.IsRectEmpty()) shareHeight();
     return view;
+}
+
+void CMainFrame::shareHeight() {
+    QList<QDockWidget*> docks;
+    for (CObjectViewWindow* view : Views)
+        if (auto* dock = qobject_cast<QDockWidget*>(view->parentWidget()); dock && !dock->isFloating())
+            docks << dock;
+    resizeDocks(docks, QList<int>(docks.size(), height()), Qt::Vertical);
 }
 
 void CMainFrame::OpenView(iObjectBase& object) {

@@ -72,6 +72,8 @@ private:
     void openRestoredViews();
     void closeAllViews();
     void closeView(CObjectViewWindow* view);
+    // The docked views share the height of the window evenly.
+    void shareHeight();
     void saveWindowPlaces() const;
 
     CTessarineDoc& Document;

@@ -76,6 +76,7 @@ void CObjectViewWindow::requestDrawing() {
             DrawnChange = change;
             update();
             emit TitleChanged(GetTitle());
+            emit Painted();
         });
 }
 
@@ -102,6 +103,11 @@ void CObjectViewWindow::paintEvent(QPaintEvent*) {
 
 void CObjectViewWindow::resizeEvent(QResizeEvent*) {
     Frame.SetWindowRect({x(), y(), x() + width(), y() + height()});
+    if (FitPending) {
+        FitPending = false;
+        GetView().SetClientSize({width(), height()});
+        GetView().ZoomToFit();
+    }
     Invalidate();
 }
 

@@ -19,6 +19,8 @@ public:
     ~CObjectViewWindow() override;
 
     CObjectFrame& GetFrame() { return Frame; }
+    // The first size the window gets fits the whole picture in, for a view that has no kept state.
+    void FitWhenSized() { FitPending = true; }
     CObjectView& GetView() const { return Frame.GetView(); }
     // The last picture drawn for the window, and whether it is the newest.
     const QImage& GetPicture() const { return Picture; }
@@ -32,6 +34,8 @@ public:
 
 signals:
     void TitleChanged(const QString& title);
+    // A new picture is shown.
+    void Painted();
     void Closing(CObjectViewWindow* window);
 
 protected:
@@ -50,6 +54,7 @@ private:
     CObjectFrame Frame;
     QImage Picture;
     bool DrawQueued = false;
+    bool FitPending = false;
     // Counts the changes asked to be shown, and the change the last picture shows.
     unsigned long Changes = 1;
     unsigned long DrawnChange = 0;

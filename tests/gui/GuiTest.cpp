@@ -24,6 +24,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -240,11 +241,16 @@ private slots:
         mouse(*view, QEvent::MouseButtonRelease, grip);
         QCOMPARE(view->GetLine(), QString("Inset (Cropper)"));
 
+        mouse(*view, QEvent::MouseButtonPress, grip);
+        for (int step = 1; step <= 4; ++step)
+            mouse(*view, QEvent::MouseMove, grip + QPoint(10, 5) * step);
+        QSignalSpy painted(view.get(), &CObjectViewWindow::Painted);
         QElapsedTimer clock;
         clock.start();
-        drag(*view, grip, grip + QPoint(40, 20));
-        QTRY_VERIFY_WITH_TIMEOUT(view->IsUpToDate(), 20000);
-        qInfo("drag of a layer to the repainted 1920x1080 composer at 50%%: %lld ms", clock.elapsed());
+        mouse(*view, QEvent::MouseButtonRelease, grip + QPoint(40, 20));
+        QVERIFY(painted.wait(20000));
+        qInfo("a layer's drop to the repainted 1920x1080 composer at 50%%: %lld ms", clock.elapsed());
+        QVERIFY(view->IsUpToDate());
         QVERIFY(valueOf(composerElement, "Inset: X position", 0) > x + 60);
         QVERIFY(valueOf(composerElement, "Inset: Y position", 0) > y + 20);
         const QImage shown = view->grab().toImage();
@@ -281,6 +287,29 @@ private slots:
             QVERIFY2(differing == 0, qPrintable(name + QString(": %1 pixels differ").arg(differing)));
             QVERIFY2(colourCount(painted) > 1 || shown->GetElementType() == "Solid", qPrintable(name));
         }
+    }
+
+    void viewsKeptInTheProjectOpenAgainWithIt() {
+        CObjectViewWindow* view = frame->OpenView(element("Grade"));
+        view->GetView().SetZoom(0.125);
+        QVERIFY(frame->OpenView(element("Composer")));
+        const QString kept = output("kept-views.tsp");
+        QVERIFY(app.GetDocument().OnSaveDocument(kept.toStdString()));
+        QVERIFY(frame->OpenDocument(kept));
+        QCOMPARE(frame->GetViews().size(), size_t(2));
+        QTRY_VERIFY_WITH_TIMEOUT(frame->AllViewsDrawn(), 20000);
+        QStringList titles;
+        for (CObjectViewWindow* each : frame->GetViews())
+            titles << each->GetTitle();
+        titles.sort();
+        QCOMPARE(titles.join('|'),
+                 QString("kept-views.tsp: Composer (Composer), frame 0: Background: \"Backdrop\"|"
+                         "kept-views.tsp: Grade (Image Correction), frame 0: Image correction"));
+        for (CObjectViewWindow* each : frame->GetViews())
+            if (each->GetView().GetElement() == &element("Grade")) QCOMPARE(each->GetView().GetZoom(), 0.125);
+        QVERIFY(frame->grab().save(output("kept-views.png")));
+        QVERIFY(frame->NewDocument());
+        QVERIFY(frame->GetViews().empty());
     }
 
     void theCrashCatcherSavesTheProject() {
