@@ -60,7 +60,8 @@ void CAddButton::mouseMoveEvent(QMouseEvent* event) {
 
 void CAddButton::mouseReleaseEvent(QMouseEvent* event) {
     QToolButton::mouseReleaseEvent(event);
-    if (rect().contains(event->position().toPoint())) Pane.DropData(data(), Pane.rect().center(), 0);
+    if (rect().contains(event->position().toPoint()))
+        Pane.DropData(data(), Pane.FreePointNear(Pane.rect().center()), 0);
 }
 
 CTrashButton::CTrashButton(CProjectPane& pane) : Pane(pane) {

@@ -103,8 +103,7 @@ void CObjectViewWindow::paintEvent(QPaintEvent*) {
 
 void CObjectViewWindow::resizeEvent(QResizeEvent*) {
     Frame.SetWindowRect({x(), y(), x() + width(), y() + height()});
-    if (FitPending) {
-        FitPending = false;
+    if (AutoFit) {
         GetView().SetClientSize({width(), height()});
         GetView().ZoomToFit();
     }
@@ -135,6 +134,7 @@ void CObjectViewWindow::mouseReleaseEvent(QMouseEvent* event) {
 
 void CObjectViewWindow::keyPressEvent(QKeyEvent* event) {
     CObjectView& view = GetView();
+    AutoFit = false;
     switch (event->key()) {
     case Qt::Key_Plus:
         view.SetZoom(view.GetZoom() * 1.25);

@@ -19,8 +19,9 @@ public:
     ~CObjectViewWindow() override;
 
     CObjectFrame& GetFrame() { return Frame; }
-    // The first size the window gets fits the whole picture in, for a view that has no kept state.
-    void FitWhenSized() { FitPending = true; }
+    // Until the user zooms, every size the window gets fits the whole picture in:
+    // for a new view, which has no kept state.
+    void FitWhenSized() { AutoFit = true; }
     CObjectView& GetView() const { return Frame.GetView(); }
     // The last picture drawn for the window, and whether it is the newest.
     const QImage& GetPicture() const { return Picture; }
@@ -54,7 +55,7 @@ private:
     CObjectFrame Frame;
     QImage Picture;
     bool DrawQueued = false;
-    bool FitPending = false;
+    bool AutoFit = false;
     // Counts the changes asked to be shown, and the change the last picture shows.
     unsigned long Changes = 1;
     unsigned long DrawnChange = 0;

@@ -278,6 +278,17 @@ void CProjectPane::showContextMenu(QPoint point) {
 
 // ---------------------------------------------------------------- drops from other windows
 
+QPoint CProjectPane::FreePointNear(QPoint point) const {
+    // Far enough apart for the names under the icons.
+    const QPoint step(3 * CElementIcons::Size, 2 * CElementIcons::Size);
+    for (int row = 0; row < 10; ++row)
+        for (int column = 0; column < 10; ++column) {
+            const QPoint candidate = point + QPoint(column * step.x(), row * step.y());
+            if (!elementAt(View, candidate)) return candidate;
+        }
+    return point;
+}
+
 bool CProjectPane::DropData(const std::string& dropped, QPoint point, unsigned keys) {
     if (View.DragEnter(ioleConnector::Format, dropped, ToCPoint(point), keys) == CDropEffect::None) {
         View.DragLeave();

@@ -31,6 +31,8 @@ public:
     // Data of the private format dropped at the point, as a drop from another window does it.
     bool DropData(const std::string& dropped, QPoint point, unsigned keys);
     void SetDragMode(CDragMode mode);
+    // The point itself, or the nearest one to its right and below where no icon lies.
+    QPoint FreePointNear(QPoint point) const;
 
 signals:
     void OpenViewRequested(iElement* element);

@@ -15,6 +15,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QTimer>
 
 #include <cstdio>
@@ -30,7 +31,7 @@ struct GrabRequest {
 
 struct Arguments {
     std::vector<std::string> Shell; // what the application's own command line takes
-    QString Project;
+    CCommandLineInfo CommandLine;
     std::optional<GrabRequest> Grab;
     QString Error;
 };
@@ -47,7 +48,8 @@ Arguments parse(const QStringList& words) {
             }
             if (!arguments.Grab) arguments.Grab = GrabRequest{};
             const QString value = words[++i];
-            if (word == "--grab") arguments.Grab->Output = value;
+            // The program works in its own directory: paths are taken before it goes there.
+            if (word == "--grab") arguments.Grab->Output = QFileInfo(value).absoluteFilePath();
             if (word == "--view") arguments.Grab->Views << value;
             if (word == "--size") {
                 const QStringList sides = value.split(',');
@@ -59,11 +61,11 @@ Arguments parse(const QStringList& words) {
                     arguments.Error = "bad --size " + value;
             }
         } else {
-            if (!word.startsWith('-') && !word.startsWith('/')) arguments.Project = word;
             arguments.Shell.push_back(word.toStdString());
         }
     }
-    if (arguments.Grab && (arguments.Grab->Output.isEmpty() || arguments.Project.isEmpty()))
+    arguments.CommandLine = CCommandLineInfo::Parse(arguments.Shell);
+    if (arguments.Grab && (arguments.Grab->Output.isEmpty() || arguments.CommandLine.FileName.empty()))
         arguments.Error = "--grab needs a project and an output file";
     return arguments;
 }
@@ -113,7 +115,7 @@ int main(int argc, char** argv) {
     EUserInterface::Set(&userInterface);
     CTessarineApp app(grabbing ? CTessarineApp::Preferences::ReadOnly
                                : CTessarineApp::Preferences::ReadAndWrite);
-    CCommandLineInfo commandLine = CCommandLineInfo::Parse(arguments.Shell);
+    const CCommandLineInfo& commandLine = arguments.CommandLine;
     // The project opens in the main window, which asks and reports as the File menu does.
     CCommandLineInfo startUp = commandLine;
     startUp.ShellCommand = CCommandLineInfo::Command::FileNew;

@@ -3,6 +3,7 @@
 // of every kind of object against `qvr frame`, and the crash save. Each
 // test writes what it shows to QVR_OUTPUT, to be looked at.
 
+#include "CAddBar.h"
 #include "CMainFrame.h"
 #include "CObjectViewWindow.h"
 #include "CProjectPane.h"
@@ -198,6 +199,18 @@ private slots:
         QVERIFY(frame->Undo() && frame->Undo());
         QCOMPARE(tilt.GetFirstParent()->GetName(), tiltSource);
         QTest::keyClick(&pane, Qt::Key_M);
+    }
+
+    void theAddBarMakesEveryKindOfObject() {
+        const QList<CAddButton*> buttons = frame->findChildren<CAddButton*>();
+        QCOMPARE(buttons.size(), 11);
+        for (CAddButton* button : buttons)
+            QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(project().GetElementCount(), size_t(12 + 11));
+        QVERIFY(frame->grab().save(output("added.png")));
+        for (int undo = 0; undo < 11; ++undo)
+            QVERIFY(frame->Undo());
+        QCOMPARE(project().GetElementCount(), size_t(12));
     }
 
     void cutAndPasteGoThroughTheClipboardAndForeignDataChangesNothing() {
