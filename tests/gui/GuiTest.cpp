@@ -217,8 +217,10 @@ private slots:
         CProjectPane& pane = frame->GetPane();
         mouse(pane, QEvent::MouseButtonPress, onPane(pane, element("Sharpen")));
         mouse(pane, QEvent::MouseButtonRelease, onPane(pane, element("Sharpen")));
+        QVERIFY(frame->OpenView(element("Sharpen")));
         QVERIFY(frame->Cut());
         QCOMPARE(project().FindElement("Sharpen"), nullptr);
+        QVERIFY2(frame->GetViews().empty(), "a view closes when its element goes");
         QVERIFY(QApplication::clipboard()->mimeData()->hasFormat(ioleConnector::Format));
         QVERIFY(frame->Paste());
         QCOMPARE(project().GetElementCount(), size_t(12));
