@@ -142,7 +142,6 @@ void CMainFrame::createFileMenu() {
     tools->addAction(action);
     action = addCommand(file, "&Open...", "Open an existing project", QKeySequence::Open);
     connect(action, &QAction::triggered, this, [this] {
-        if (!SaveModified()) return;
         if (std::optional<std::string> path = askProjectFile(false, Document.GetPathName()))
             OpenDocument(QString::fromStdString(*path));
     });
@@ -255,6 +254,8 @@ void CMainFrame::createOtherMenus() {
 }
 
 void CMainFrame::fillObjectMenu() {
+    for (QMenu* subMenu : ObjectMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly))
+        delete subMenu;
     ObjectMenu->clear();
     iElement* element = project().GetFirstSelected();
     if (!element) {
@@ -334,6 +335,8 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
         return;
     }
     saveWindowPlaces();
+    const QRect place = geometry();
+    Pane->GetView().SetWindowRect({place.left(), place.top(), place.right() + 1, place.bottom() + 1});
     closeAllViews();
     event->accept();
 }

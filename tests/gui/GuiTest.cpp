@@ -208,6 +208,17 @@ private slots:
             QTest::mouseClick(button, Qt::LeftButton);
         QCOMPARE(project().GetElementCount(), size_t(12 + 11));
         QVERIFY(frame->grab().save(output("added.png")));
+        // A footage object without files can't render: its view says why.
+        iElement* footage = nullptr;
+        for (iElement* each : project().GetElements())
+            if (each->GetElementType() == "Footage" && each->GetName().starts_with("New Object"))
+                footage = each;
+        QVERIFY(footage);
+        auto view = showView(*footage, {320, 200}, 1.0, {0, 0});
+        QTRY_VERIFY_WITH_TIMEOUT(view->IsUpToDate(), 20000);
+        QVERIFY(!view->GetView().GetText().empty());
+        QVERIFY(view->grab().save(output("failed-view.png")));
+        QVERIFY(colourCount(view->GetPicture()) > 1);
         for (int undo = 0; undo < 11; ++undo)
             QVERIFY(frame->Undo());
         QCOMPARE(project().GetElementCount(), size_t(12));
