@@ -18,16 +18,21 @@
 #include "views/CObjectView.h"
 #include "views/ioleConnector.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QProcess>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
+#include <QTimer>
 
 #include <memory>
 
@@ -336,6 +341,33 @@ private slots:
         QVERIFY(frame->grab().save(output("kept-views.png")));
         QVERIFY(frame->NewDocument());
         QVERIFY(frame->GetViews().empty());
+    }
+
+    void aMessageBoxShowsItsAlwaysBoxAndTellsWhatWasPressed() {
+        CQtUserInterface asking(true);
+        EMessageRequest request;
+        request.Text = "Overwrite?";
+        request.Title = "qvrTessarine";
+        request.Buttons = {IDYES, IDNO};
+        request.Labels = {"&Yes", "&No"};
+        request.DefaultIndex = 1;
+        request.AlwaysText = "Always answer \"No\".";
+        QString shownText;
+        QTimer::singleShot(50, [&shownText] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box || !box->checkBox()) return;
+            shownText = box->text() + "|" + box->checkBox()->text() + "|" + box->defaultButton()->text();
+            box->checkBox()->setChecked(true);
+            for (QAbstractButton* button : box->buttons())
+                if (button->text() == "Yes") button->click();
+        });
+        const EMessageAnswer answer = asking.AskMessage(request);
+        QCOMPARE(shownText, QString("Overwrite?|Always answer \"No\".|No"));
+        QCOMPARE(answer.Button, int(IDYES));
+        QVERIFY(answer.Always);
+        QCOMPARE(
+            CQtUserInterface::ToQtFilter("Files of \"qvrTessarine\" (*.tsp)|*.tsp|All files (*.*)|*.*|||"),
+            QString("Files of \"qvrTessarine\" (*.tsp);;All files (*.*)"));
     }
 
     void theCrashCatcherSavesTheProject() {
