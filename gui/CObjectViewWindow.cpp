@@ -118,8 +118,8 @@ void CObjectViewWindow::mousePressEvent(QMouseEvent* event) {
 
 void CObjectViewWindow::mouseMoveEvent(QMouseEvent* event) {
     const CPoint point = ToCPoint(event->position().toPoint());
-    // The view may write values that a running drawing reads.
-    CViewRenderer::Get().WaitIdle();
+    // A drag writes values that a running drawing reads; hovering only reads.
+    if (event->buttons() & Qt::LeftButton) CViewRenderer::Get().WaitIdle();
     GetView().OnMouseMove(point, ToModifierKeys(event->modifiers()));
     EUserInterface::Get().SetStatusText(GetView().GetPointStatus(point) + GetView().GetZoomStatus() +
                                         GetView().GetSizeStatus());
