@@ -4,8 +4,9 @@
 # output folders in, and runs both of its savers through `qvr render`, one to a
 # BMP sequence and one to an uncompressed AVI movie.
 #
-#   examples/showcase/render.sh [QVR_PROGRAM] [WORK_DIRECTORY]
+#   examples/showcase/render.sh [QVR_PROGRAM] [WORK_DIRECTORY] [--prepare-only]
 #
+# With --prepare-only the footage and the filled-in project are made, and nothing is rendered.
 # Defaults: build/cli/qvr and build/showcase. Extra options for both renders
 # (--threads, --first, --last, ...) go in QVR_RENDER_OPTIONS.
 set -euo pipefail
@@ -25,6 +26,7 @@ fi
 # The matrix effect lives in the program's preferences, the rest in the project.
 cp "$here/Preferences.tsp" "$work/home/Preferences.tsp"
 sed -e "s|@FOOTAGE@|$footage|g" -e "s|@OUTPUT@|$output|g" "$here/showcase.tsp" > "$work/showcase.tsp"
+[ "${3:-}" = "--prepare-only" ] && exit 0
 
 for saver in Frames Movie; do
   QVR_HOME="$work/home" "$qvr" render "$work/showcase.tsp" --saver "$saver" ${QVR_RENDER_OPTIONS:-}

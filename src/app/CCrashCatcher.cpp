@@ -15,6 +15,7 @@ constexpr const char* CrashTitle = "qvrCCrashCatcher V2.01 nevora works";
 constexpr const char* CrashFileName = "---crashed-project---.tsp";
 
 std::atomic<bool> crashing{false};
+std::function<void()> beforeQuestion;
 
 // A fatal signal: one crash save, then the signal's own end.
 void onFatalSignal(int signalNumber) {
@@ -57,7 +58,12 @@ std::string CCrashCatcher::ProposedPath() {
     return EEnvironment::PathPlusFile(EEnvironment::Get().CurrentDir, CrashFileName);
 }
 
+void CCrashCatcher::SetBeforeQuestion(std::function<void()> hook) {
+    beforeQuestion = std::move(hook);
+}
+
 void CCrashCatcher::OfferCrashSave() {
+    if (beforeQuestion) beforeQuestion();
     const std::string question =
         "FATAL PROGRAM TERMINATION.\n\nThis program crashed due to a fatal error.\nPlease contact nevora "
         "works to "

@@ -17,4 +17,7 @@ public:
     static void OfferCrashSave();
     // The file the crash save proposes, in the program directory.
     static std::string ProposedPath();
+    // What the front end does before the question, such as hiding its main
+    // window; null for nothing.
+    static void SetBeforeQuestion(std::function<void()> hook);
 };

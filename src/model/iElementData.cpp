@@ -172,6 +172,17 @@ void loadObject(iElement& element, const qvrCTreeData& block, hReport& report) {
         report.Report("No 'Object' block found", hReportWarning);
 }
 
+// Each view that was open when the element was saved opens again.
+void loadWindows(iElement& element, const qvrCTreeData& block) {
+    const qvrCTreeData* windows = block.Find("Windows");
+    if (!windows) return;
+    for (long index = 1;; ++index) {
+        const qvrCTreeData* window = windows->Find(qvrFormat("Window.#%02ld", index));
+        if (!window) return;
+        iObjectFrontEnd::Get().RestoreView(element, *window);
+    }
+}
+
 iElement* produceInto(iProject& project, const std::string& className, const std::string& type,
                       const std::string& name) {
     return project.Adopt(iFactory::Get().Produce(className, type, name));
@@ -205,6 +216,7 @@ void iElementData::LoadData(iElement& element, const qvrCTreeData& block, hRepor
     loadValues(element, block, context);
     loadObject(element, block, context);
     if (propertiesOpen) iObjectFrontEnd::Get().ShowProperties(element);
+    loadWindows(element, block);
 }
 
 iElement* iElementData::Create(const qvrCTreeData& block, hReport& report, iProject* project) {

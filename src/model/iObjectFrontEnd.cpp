@@ -16,6 +16,8 @@ void iObjectFrontEnd::CloseProperties(iObjectBase&) {}
 
 void iObjectFrontEnd::OpenView(iObjectBase&) {}
 
+void iObjectFrontEnd::RestoreView(iObjectBase&, const qvrCTreeData&) {}
+
 iObjectFrontEnd& iObjectFrontEnd::Get() {
     static iObjectFrontEnd windowless;
     iObjectFrontEnd* hook = installedHook.load();

@@ -11,6 +11,7 @@
 // A window of the front end; the core only passes it on.
 class CWnd;
 class iObjectBase;
+class qvrCTreeData;
 
 class iObjectFrontEnd {
 public:
@@ -23,6 +24,9 @@ public:
     virtual void CloseProperties(iObjectBase& object);
     // Opens a new view of the object.
     virtual void OpenView(iObjectBase& object);
+    // Opens a view of the object as a project file kept it: `windowBlock` is
+    // one "Window.#nn" block that a view wrote when the project was saved.
+    virtual void RestoreView(iObjectBase& object, const qvrCTreeData& windowBlock);
 
     // The installed hook; the one without windows until another is set.
     static iObjectFrontEnd& Get();

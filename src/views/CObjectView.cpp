@@ -101,6 +101,23 @@ void CObjectView::OnDraw(CObjectViewCanvas& target) {
     DrawOverlay(target);
 }
 
+std::unique_ptr<CObjectView> CObjectView::MakeDrawingCopy(CViewHost& host) const {
+    auto copy = std::make_unique<CObjectView>(host);
+    copy->TakeViewState(*this);
+    copy->SetElement(GetElement());
+    copy->ImageSize = ImageSize;
+    return copy;
+}
+
+void CObjectView::TakeDrawOutcome(const CObjectView& drawn) {
+    ImageSize = drawn.ImageSize;
+    Text = drawn.Text;
+}
+
+void CObjectView::PaintOverlay(CObjectViewCanvas& target) {
+    if (GetElement() && Text.empty() && !ImageSize.IsEmpty()) DrawOverlay(target);
+}
+
 void CObjectView::renderSection(CObjectViewCanvas& target, iElement& element, const CRect& section) {
     const CRect shown = Mapping.ToPaneCovering(section);
     iRenderRequest request;

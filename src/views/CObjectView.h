@@ -14,6 +14,7 @@
 #include "views/CPaneMapping.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -63,6 +64,12 @@ public:
     void TakeViewState(const CObjectView& other);
 
     void OnDraw(CObjectViewCanvas& target);
+    // --- Drawing on another thread: a plain view of the same element and state
+    // draws the picture there (its OnDraw touches nothing of this view), and
+    // this view then takes what that drawing found and paints its overlay.
+    std::unique_ptr<CObjectView> MakeDrawingCopy(CViewHost& host) const;
+    void TakeDrawOutcome(const CObjectView& drawn);
+    void PaintOverlay(CObjectViewCanvas& target);
 
     // --- Status line.
     // " 125.00%": the zoom.

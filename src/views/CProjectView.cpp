@@ -183,17 +183,31 @@ void CProjectView::SelectInRect(const CRect& client, unsigned keys) {
 
 // ---------------------------------------------------------------- dragging
 
-std::string CProjectView::BeginDrag(CPoint client) {
+ioleConnector CProjectView::selectionConnector() const {
     ioleConnector connector;
     connector.Marker = EStringTable::Load(text_own_data_marker);
     connector.Elements = namesOf(selectedElements());
     for (iElementGroup* group = Project.GetFirstSelectedGroup(); group;
          group = Project.GetNextSelectedGroup(group))
         connector.Groups.push_back(group->GetName());
+    return connector;
+}
+
+std::string CProjectView::BeginDrag(CPoint client) {
+    const ioleConnector connector = selectionConnector();
     if (!connector.HasObjects()) return {};
     Dragging = true;
     DragStart = ClientToPane(client);
     return connector.Serialize();
+}
+
+bool CProjectView::DeleteSelection() {
+    const ioleConnector connector = selectionConnector();
+    if (!connector.HasObjects()) {
+        SetStatusText(EStringTable::Load(text_select_for_cut));
+        return false;
+    }
+    return DropOnTrash(ioleConnector::Format, connector.Serialize());
 }
 
 void CProjectView::EndDrag() {
@@ -372,12 +386,25 @@ bool CProjectView::CenterObjects() {
         SetStatusText(EStringTable::Load(text_select_for_group));
         return false;
     }
+    centerOn(places);
+    return true;
+}
+
+void CProjectView::CenterAllObjects() {
+    std::vector<CPoint> places;
+    for (const iElement* element : Project.GetElements())
+        if (IsShown(*element)) places.push_back(element->GetPanePosition());
+    for (const auto& group : Project.GetGroups())
+        places.push_back(group->GetPanePos());
+    if (!places.empty()) centerOn(places);
+}
+
+void CProjectView::centerOn(const std::vector<CPoint>& places) {
     auto [left, right] =
         std::minmax_element(places.begin(), places.end(), [](CPoint a, CPoint b) { return a.x < b.x; });
     auto [top, bottom] =
         std::minmax_element(places.begin(), places.end(), [](CPoint a, CPoint b) { return a.y < b.y; });
     SetCenterPoint({(left->x + right->x) / 2, (top->y + bottom->y) / 2});
-    return true;
 }
 
 bool CProjectView::FindLinkAt(CPoint client, std::string& child, std::string& parent) const {

@@ -14,6 +14,7 @@
 #include "views/CDragMode.h"
 #include "views/CPaneMapping.h"
 #include "views/CProjectViewScene.h"
+#include "views/ioleConnector.h"
 
 #include <memory>
 #include <string>
@@ -93,6 +94,9 @@ public:
     // Objects dropped on the trash can: elements are deleted, groups dissolved.
     bool DropOnTrash(std::string_view format, const std::string& data);
     static std::string GetTrashTip();
+    // The selection goes as if dropped on the trash can; with nothing selected the status line asks for a
+    // selection.
+    bool DeleteSelection();
 
     // --- Groups.
     // A new group of the selected elements, or null (with a status text) when nothing is selected.
@@ -108,6 +112,8 @@ public:
     // --- Commands.
     // Puts the middle of the selected objects in the middle of the view.
     bool CenterObjects();
+    // Puts the middle of every shown object in the middle of the view, as after opening a project.
+    void CenterAllObjects();
     // The parent link under the point, by the names of its two ends.
     bool FindLinkAt(CPoint client, std::string& child, std::string& parent) const;
     static void BuildLinkMenu(hMenu& menu);
@@ -147,6 +153,8 @@ private:
     void clearSelection();
     void setGroupsCollapsed(bool collapsed);
     std::vector<iElement*> selectedElements() const;
+    ioleConnector selectionConnector() const;
+    void centerOn(const std::vector<CPoint>& places);
     // The selected elements; with none the status line asks for a selection.
     std::vector<iElement*> selectionToCopy();
     iElementGroup* groupAt(CPoint pane) const;

@@ -119,8 +119,12 @@ TEST_F(ApplicationTest, TheCrashSaveWritesTheProjectBesideTheProgram) {
     CTessarineApp app(CTessarineApp::Preferences::ReadOnly);
     ASSERT_TRUE(start(app));
     iProject::GetStandard().SetFrameLength(77, false);
+    bool windowHidden = false;
+    CCrashCatcher::SetBeforeQuestion([&] { windowHidden = ui.Titles.empty(); });
     int result = app.Run([]() -> int { throw std::runtime_error("boom"); });
+    CCrashCatcher::SetBeforeQuestion(nullptr);
     EXPECT_EQ(result, 1);
+    EXPECT_TRUE(windowHidden) << "the front end hides its window before the question";
     EXPECT_EQ(CCrashCatcher::ProposedPath(), home.File("---crashed-project---.tsp"));
     EXPECT_NE(ScratchDirectory::ReadAll(CCrashCatcher::ProposedPath()).find("FrameLength := 77"),
               std::string::npos);

@@ -6,6 +6,7 @@
 #include "foundation/qvrCTreeData.h"
 #include "imaging/EFileGroupSetup.h"
 #include "model/iElementData.h"
+#include "model/iObjectFrontEnd.h"
 #include "objects/isrcSequence.h"
 #include "views/CObjectMergerView.h"
 #include "views/CObjectSequenceView.h"
@@ -15,6 +16,26 @@ namespace {
 class ObjectFrame : public ObjectViewFixture {
 protected:
     CObjectFrame frame{project, host};
+};
+
+// Reopens each view a load asks for in a frame of its own.
+class ReopeningFrontEnd : public iObjectFrontEnd {
+public:
+    ReopeningFrontEnd(iProject& project, CViewHost& host) : Project(project), Host(host) {
+        iObjectFrontEnd::Set(this);
+    }
+    ~ReopeningFrontEnd() override { iObjectFrontEnd::Set(nullptr); }
+    void RestoreView(iObjectBase& object, const qvrCTreeData& windowBlock) override {
+        auto& frame = Frames.emplace_back(std::make_unique<CObjectFrame>(Project, Host));
+        frame->DoSetElement(dynamic_cast<iElement*>(&object));
+        frame->LoadWindow(windowBlock);
+    }
+
+    std::vector<std::unique_ptr<CObjectFrame>> Frames;
+
+private:
+    iProject& Project;
+    CViewHost& Host;
 };
 
 } // namespace
@@ -120,10 +141,18 @@ TEST_F(ObjectFrame, ASavedElementCarriesTheBlockOfItsWindow) {
     EXPECT_EQ(*window->GetText("Window"), "10,20,330,260");
     EXPECT_EQ(*window->GetText("Center"), "40,45");
 
-    CObjectFrame reopened(project, host);
-    reopened.LoadWindow(*window);
-    EXPECT_EQ(reopened.GetWindowRect(), (CRect{10, 20, 330, 260}));
-    EXPECT_EQ(reopened.GetView().GetCenter(), (CPoint{40, 45}));
+    // Loading the element's block opens each of its views again, as it was.
+    ReopeningFrontEnd frontEnd(project, host);
+    CObjectFrame second(project, host);
+    second.DoSetElement(probe);
+    qvrCTreeData twoViews("Probe");
+    iElementData::SaveData(*probe, twoViews, report);
+    iElementData::LoadData(*probe, twoViews, report);
+    ASSERT_EQ(frontEnd.Frames.size(), 2u);
+    EXPECT_EQ(frontEnd.Frames[0]->GetElement(), probe);
+    EXPECT_EQ(frontEnd.Frames[0]->GetWindowRect(), (CRect{10, 20, 330, 260}));
+    EXPECT_EQ(frontEnd.Frames[0]->GetView().GetCenter(), (CPoint{40, 45}));
+    EXPECT_EQ(frontEnd.Frames[1]->GetWindowRect(), CRect{});
 }
 
 TEST_F(ObjectFrame, TheFootageViewNamesTheFileOfItsFrame) {

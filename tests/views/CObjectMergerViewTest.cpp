@@ -98,3 +98,20 @@ TEST_F(ComposerView, CommandsOnTheSelectedLayerNeedOneThatIsStillThere) {
     EXPECT_EQ(view.GetListLine(), "<No object selected>");
     EXPECT_FALSE(view.CenterSelectedLayer());
 }
+
+TEST_F(ComposerView, ACopyDrawsThePictureAndTheViewPaintsOnlyItsOverlay) {
+    RecordingHost copyHost;
+    std::unique_ptr<CObjectView> copy = view.MakeDrawingCopy(copyHost);
+    EXPECT_EQ(copy->GetViewClass(), "CObjectView");
+    RecordingCanvas picture({0, 0, 100, 100});
+    copy->OnDraw(picture);
+    EXPECT_EQ(picture.Pictures.size(), 1u);
+    EXPECT_TRUE(picture.Outlines.empty()) << "the layer frames are the composer view's own";
+
+    view.TakeDrawOutcome(*copy);
+    RecordingCanvas overlay({0, 0, 100, 100});
+    view.PaintOverlay(overlay);
+    EXPECT_TRUE(overlay.Pictures.empty());
+    EXPECT_TRUE(overlay.Fills.empty());
+    EXPECT_EQ(overlay.Outlines, (std::vector<CRect>{{50, 40, 70, 60}}));
+}

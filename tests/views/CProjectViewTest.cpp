@@ -218,6 +218,12 @@ TEST_F(ProjectView, TheTrashDeletesElementsAndDissolvesGroupsWithoutTheirMembers
     ASSERT_TRUE(project.GetActionManager().Undo());
     EXPECT_NE(project.FindElement("Dropped"), nullptr);
     EXPECT_FALSE(view->DropOnTrash("text/plain", "Member"));
+
+    project.ClearSelection();
+    EXPECT_FALSE(view->DeleteSelection());
+    member->SetSelected(true);
+    EXPECT_TRUE(view->DeleteSelection()) << "Delete is the selection dropped on the trash";
+    EXPECT_EQ(project.FindElement("Member"), nullptr);
     EXPECT_EQ(CProjectView::GetTrashTip(),
               "Drop object(s) here to delete (when a group is deleted, the objects "
               "it contains will not be deleted either).");
@@ -245,6 +251,8 @@ TEST_F(ProjectView, ClicksAndFramesSelectWhatIsShown) {
     EXPECT_FALSE(hidden->IsSelected()) << "a member of a collapsed group isn't shown";
     EXPECT_TRUE(view->CenterObjects());
     EXPECT_EQ(view->GetMapping().Center, (CPoint{200, 100}));
+    view->CenterAllObjects();
+    EXPECT_EQ(view->GetMapping().Center, (CPoint{350, 300})) << "shown elements and the collapsed group";
 }
 
 TEST_F(ProjectView, CutAndCopyNeedASelection) {
