@@ -3,7 +3,8 @@
 # touching apt only when something is missing.
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          libjpeg62-turbo-dev libpng-dev libdeflate-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg)
+          libjpeg62-turbo-dev libpng-dev libdeflate-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
+          slurmctld slurmd slurm-client munge)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "ok installed" || missing+=("$p")
