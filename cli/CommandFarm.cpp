@@ -59,7 +59,7 @@ constexpr const char* Help =
 
 constexpr long DefaultChunkFrames = 10;
 constexpr int ExitRunning = 3;
-constexpr auto WaitPoll = std::chrono::milliseconds(500);
+constexpr auto WaitPoll = std::chrono::milliseconds(250);
 
 using Arguments = QvrCommand::Arguments;
 
@@ -301,6 +301,8 @@ int submit(const Arguments& arguments) {
     if (!problem.empty()) return usage(problem);
     QvrSession session;
     if (!session.Started()) return ExitUsage;
+    // The run's tasks may be using the shared proxy directory by the time this session ends.
+    EImageStorage::Get().KeepProxyDirAtExit();
     if (!options.Batch) return submitSaver(session, options);
     const EBatchJobList& list = EBatchJobList::Get();
     int status = ExitSuccess;

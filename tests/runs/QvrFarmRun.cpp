@@ -8,6 +8,8 @@
 #include "projector/VitreaTestSupport.h"
 
 #include "foundation/iDataBase.h"
+#include "foundation/qvrCRegKey.h"
+#include "imaging/EProxySettings.h"
 #include "model/iProject.h"
 #include "objects/isrcLayer.h"
 #include "output/EImageOutputStream.h"
@@ -17,6 +19,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <regex>
 
 namespace {
@@ -145,6 +148,14 @@ TEST_F(QvrFarmRun, SequenceAndMovieChunksWriteWhatALocalRenderWrites) {
             qvr("render " + project + " --saver " + saver + " --output '" + output + "'");
         ASSERT_EQ(local.ExitCode, 0) << local.Output;
     }
+    // Every session empties the proxy directory at its end, but for the farm's tasks.
+    ASSERT_TRUE(qvrCRegKey::OpenStore(home.Path.string()));
+    qvrCRegKey proxies;
+    ASSERT_TRUE(proxies.Open(qvrCRegKey::Root(), EProxySettings::RegistryKey));
+    ASSERT_TRUE(proxies.SetLong("Proxy clean-up mode", static_cast<long>(EProxyCleanUp::EmptyAtExit)));
+    const std::string proxy = home.File("proxies/pxy(clip)_8x6.qts");
+    fs::create_directories(home.File("proxies"));
+    std::ofstream(proxy) << "proxy";
     const std::string frames = farmRun(project + " --saver Frames --chunk 3 --threads 2");
     const std::string movie = farmRun(project + " --saver Movie --chunk 4");
     EXPECT_EQ(expectSameFiles(home.File("local"), home.File("out")), 11);
@@ -156,6 +167,9 @@ TEST_F(QvrFarmRun, SequenceAndMovieChunksWriteWhatALocalRenderWrites) {
     EXPECT_NE(qvr("farm status '" + movie + "' --json").Output.find("\"movie\":\"done\""), std::string::npos);
     EXPECT_TRUE(fs::exists(frames + "/chunk000002.rlog"));
     EXPECT_FALSE(fs::exists(movie + "/frames")) << "the quick files go once the movie is written";
+    EXPECT_TRUE(fs::exists(proxy));
+    qvr("info " + project);
+    EXPECT_FALSE(fs::exists(proxy));
 }
 
 TEST_F(QvrFarmRun, AProjectorArrayRendersOneTaskPerActiveProjector) {
