@@ -81,6 +81,7 @@ void printReport(const hReportRoot& report) {
 struct SubmitOptions {
     std::string Project;
     std::string Saver;
+    std::string SaverClass; // checked when given
     std::optional<long> First;
     std::optional<long> Last;
     long Chunk = DefaultChunkFrames;
@@ -226,6 +227,15 @@ bool writeScript(const std::string& path, const std::string& text) {
     return !error;
 }
 
+// The assembly's options: it starts once the chunks of the array, if any, have all succeeded.
+std::vector<std::string> assemblyOptions(const EFarmRun& run, const std::string& arrayId) {
+    std::vector<std::string> sbatch = taskOptions(run, "assembly.out");
+    if (arrayId.empty()) return sbatch;
+    sbatch.push_back("--dependency=afterok:" + arrayId);
+    sbatch.push_back("--kill-on-invalid-dep=yes");
+    return sbatch;
+}
+
 // Submits the chunks and, for a movie, the assembly after them; false with Slurm's error.
 bool submitTasks(EFarmRun& run, const std::vector<std::size_t>& chunks, bool withAssembly,
                  std::string& error) {
@@ -238,12 +248,7 @@ bool submitTasks(EFarmRun& run, const std::vector<std::size_t>& chunks, bool wit
             run.Chunks[chunk].JobId = arrayId + "_" + std::to_string(chunk);
     }
     if (!withAssembly) return true;
-    std::vector<std::string> sbatch = taskOptions(run, "assembly.out");
-    if (!arrayId.empty()) {
-        sbatch.push_back("--dependency=afterok:" + arrayId);
-        sbatch.push_back("--kill-on-invalid-dep=yes");
-    }
-    return EFarmSlurm::Submit(sbatch, run.AssemblyScript(), run.AssemblyJobId, error);
+    return EFarmSlurm::Submit(assemblyOptions(run, arrayId), run.AssemblyScript(), run.AssemblyJobId, error);
 }
 
 void printDryRun(const EFarmRun& run) {
@@ -255,8 +260,7 @@ void printDryRun(const EFarmRun& run) {
     std::printf("# %s\n%s\n# %s\n", run.ChunkScript().c_str(), run.ChunkScriptText().c_str(),
                 EFarmSlurm::SubmitCommand(sbatch, run.ChunkScript()).c_str());
     if (run.RunKind != EFarmRun::Kind::Movie) return;
-    std::vector<std::string> assembly = taskOptions(run, "assembly.out");
-    assembly.push_back("--dependency=afterok:<chunks>");
+    const std::vector<std::string> assembly = assemblyOptions(run, "<chunks>");
     std::printf("\n# %s\n%s\n# %s\n", run.AssemblyScript().c_str(), run.AssemblyScriptText().c_str(),
                 EFarmSlurm::SubmitCommand(assembly, run.AssemblyScript()).c_str());
 }
@@ -264,7 +268,9 @@ void printDryRun(const EFarmRun& run) {
 int submitSaver(QvrSession& session, const SubmitOptions& options) {
     std::string problem;
     if (!QvrSaverLookup::LoadProject(session, options.Project, problem)) return fail(problem);
-    iSaver* saver = QvrSaverLookup::FindSaver(options.Saver, problem);
+    iSaver* saver = options.SaverClass.empty()
+                        ? QvrSaverLookup::FindSaver(options.Saver, problem)
+                        : QvrSaverLookup::FindSaver(options.Saver, options.SaverClass, problem);
     if (!saver) return fail(options.Project + ": " + problem);
     EFarmRun run;
     problem = planRun(*saver, options, run);
@@ -311,6 +317,7 @@ int submit(const Arguments& arguments) {
         SubmitOptions jobOptions = options;
         jobOptions.Project = job.ProjectFile;
         jobOptions.Saver = job.SaverObject;
+        jobOptions.SaverClass = job.SaverClass;
         std::fprintf(stderr, "qvr farm: job \"%s\"\n", job.Name.c_str());
         status = std::max(status, submitSaver(session, jobOptions));
     }
