@@ -97,6 +97,7 @@ for _ in $(seq 100); do
   fi
   sleep 0.1
 done
-echo "the local Slurm cluster did not come up; see $dir/log" >&2
+echo "the local Slurm cluster did not come up; its logs end with:" >&2
+tail -n 20 "$dir"/log/*.log >&2 || true
 stopCluster
 exit 1

@@ -59,6 +59,11 @@ protected:
     static std::string script() { return std::string("'") + QVR_SOURCE_DIR + "/tools/slurm_local.sh'"; }
 
     QvrRunResult qvr(const std::string& arguments) { return RunQvr(home.Path.string(), arguments); }
+    // Waits for the run, but never longer than a stuck cluster deserves.
+    QvrRunResult wait(const std::string& run) {
+        return RunShell("QVR_HOME='" + home.Path.string() + "' timeout 300 '" QVR_PROGRAM "' farm wait '" +
+                        run + "'");
+    }
 
     // A layer whose red runs from 0 to 255 over frames 0 to 9, a BMP sequence
     // saver "Frames" and an AVI saver "Movie" of 32x24 writing into "out".
@@ -115,7 +120,7 @@ protected:
         const QvrRunResult submitted = qvr("farm submit " + arguments);
         EXPECT_EQ(submitted.ExitCode, 0) << submitted.Output;
         const std::string run = submitted.Output.substr(0, submitted.Output.find('\n'));
-        const QvrRunResult waited = qvr("farm wait '" + run + "'");
+        const QvrRunResult waited = wait(run);
         EXPECT_EQ(waited.ExitCode, expectedExit)
             << waited.Output << ScratchDirectory::ReadAll(run + "/chunk000000.out");
         return run;
@@ -203,7 +208,7 @@ TEST_F(QvrFarmRun, AKilledChunkShowsAsFailedAndResumeRendersItAlone) {
     std::smatch job;
     ASSERT_TRUE(std::regex_search(held.Output, job, std::regex("\"job\":\"([0-9]+)_0\""))) << held.Output;
     ASSERT_EQ(RunShell("scancel " + job[1].str() + "_1 && scontrol release " + job[1].str()).ExitCode, 0);
-    const QvrRunResult failed = qvr("farm wait '" + run + "'");
+    const QvrRunResult failed = wait(run);
     EXPECT_EQ(failed.ExitCode, 1) << failed.Output;
     EXPECT_NE(failed.Output.find("chunk 1: frames 4-7: failed, 0 of 4 frames done"), std::string::npos)
         << failed.Output;
@@ -215,7 +220,7 @@ TEST_F(QvrFarmRun, AKilledChunkShowsAsFailedAndResumeRendersItAlone) {
     const QvrRunResult again = qvr("farm status '" + run + "' --json");
     ASSERT_TRUE(std::regex_search(again.Output, job, std::regex("\"job\":\"([0-9]+)_1\""))) << again.Output;
     ASSERT_EQ(RunShell("scontrol release " + job[1].str()).ExitCode, 0);
-    EXPECT_EQ(qvr("farm wait '" + run + "'").ExitCode, 0);
+    EXPECT_EQ(wait(run).ExitCode, 0);
     EXPECT_EQ(expectSameFiles(home.File("local"), home.File("out")), 10);
     EXPECT_NE(qvr("farm resume '" + run + "'").Output.find("nothing to resume"), std::string::npos);
 }
