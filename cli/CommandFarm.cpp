@@ -151,7 +151,33 @@ std::string runFolderName(const std::string& saver) {
     return name;
 }
 
-// Describes the run of the saver: its kind, folder and chunks. Empty text on success.
+// The run's kind and chunks, and the folder of the output beside which the
+// run's folder goes. Empty text on success.
+std::string planChunks(iSaver& saver, const iSaverSetup& setup, long chunkFrames, EFarmRun& run,
+                       std::string& outputFolder) {
+    if (auto* array = dynamic_cast<isvrVitrea*>(&saver)) {
+        const std::string problem = array->CheckRender(setup);
+        if (!problem.empty()) return problem;
+        run.RunKind = EFarmRun::Kind::Array;
+        std::vector<long> projectors;
+        const auto& active = array->GetConfiguration().OutputFiles.ProjectorActive;
+        for (std::size_t projector = 0; projector < active.size(); ++projector)
+            if (active[projector]) projectors.push_back(static_cast<long>(projector));
+        run.PlanProjectorChunks(projectors);
+        outputFolder = std::filesystem::path(run.Project).parent_path().string();
+        return {};
+    }
+    auto* standard = dynamic_cast<isvrSaver*>(&saver);
+    if (!standard) return "\"" + saver.GetName() + "\" is a saver that the farm can't run";
+    if (!standard->GetStream() || standard->GetFileName().empty())
+        return "the saver has no output stream or file";
+    run.RunKind = standard->GetStream()->IsMovie() ? EFarmRun::Kind::Movie : EFarmRun::Kind::Sequence;
+    run.PlanFrameChunks(chunkFrames);
+    outputFolder = std::filesystem::path(standard->GetFileName()).parent_path().string();
+    return {};
+}
+
+// Describes the run of the saver: what it renders, its chunks and its folder. Empty text on success.
 std::string planRun(iSaver& saver, const SubmitOptions& options, EFarmRun& run) {
     iSaverSetup setup = saver.GetSetup();
     if (options.First) setup.VideoStart = static_cast<std::uint32_t>(*options.First);
@@ -169,27 +195,10 @@ std::string planRun(iSaver& saver, const SubmitOptions& options, EFarmRun& run) 
     run.SbatchOptions = options.Sbatch;
     const char* home = std::getenv("QVR_HOME");
     run.Home = home && *home ? QvrSession::Absolute(home) : std::string();
-    std::string beside = std::filesystem::path(options.Project).parent_path().string();
-    if (auto* array = dynamic_cast<isvrVitrea*>(&saver)) {
-        const std::string problem = array->CheckRender(setup);
-        if (!problem.empty()) return problem;
-        run.RunKind = EFarmRun::Kind::Array;
-        std::vector<long> projectors;
-        const auto& active = array->GetConfiguration().OutputFiles.ProjectorActive;
-        for (std::size_t projector = 0; projector < active.size(); ++projector)
-            if (active[projector]) projectors.push_back(static_cast<long>(projector));
-        run.PlanProjectorChunks(projectors);
-    } else if (auto* standard = dynamic_cast<isvrSaver*>(&saver)) {
-        if (!standard->GetStream() || standard->GetFileName().empty())
-            return "the saver has no output stream or file";
-        run.RunKind = standard->GetStream()->IsMovie() ? EFarmRun::Kind::Movie : EFarmRun::Kind::Sequence;
-        beside = std::filesystem::path(standard->GetFileName()).parent_path().string();
-        run.PlanFrameChunks(options.Chunk);
-    } else {
-        return "\"" + saver.GetName() + "\" is a saver that the farm can't run";
-    }
-    run.Folder = beside + "/" + runFolderName(saver.GetName());
-    return {};
+    std::string outputFolder;
+    const std::string problem = planChunks(saver, setup, options.Chunk, run, outputFolder);
+    run.Folder = outputFolder + "/" + runFolderName(saver.GetName());
+    return problem;
 }
 
 std::vector<std::string> taskOptions(const EFarmRun& run, const std::string& output) {
@@ -465,38 +474,46 @@ long taskThreads(const EFarmRun& run) {
     return given && qvrParseLong(given, threads) && threads > 0 ? threads : run.Threads;
 }
 
+// The chunk's render settings; the saver is set up for the chunk: a movie's
+// frames go to quick files, an array renders the chunk's projector alone.
+iSaverSetup prepareChunk(iSaver& saver, const EFarmRun& run, std::size_t index) {
+    const EFarmChunk& chunk = run.Chunks[index];
+    iSaverSetup setup = saver.GetSetup();
+    setup.VideoStart = static_cast<std::uint32_t>(chunk.First);
+    setup.VideoEnd = static_cast<std::uint32_t>(chunk.Last);
+    setup.VideoSteps = static_cast<std::uint32_t>(run.Step);
+    setup.MiscThreadCnt = static_cast<std::uint32_t>(taskThreads(run));
+    setup.LogKeep = true;
+    setup.LogFile = run.ChunkFile(index, "rlog");
+    if (run.RunKind == EFarmRun::Kind::Movie) {
+        auto& standard = dynamic_cast<isvrSaver&>(saver);
+        standard.SetStream(&EFarmQuickStream::Get());
+        standard.SetStreamSetup({});
+        standard.SetFileName(run.QuickFilesName());
+    }
+    if (run.RunKind == EFarmRun::Kind::Array) {
+        auto& active = dynamic_cast<isvrVitrea&>(saver).GetConfiguration().OutputFiles.ProjectorActive;
+        for (std::size_t projector = 0; projector < active.size(); ++projector)
+            active[projector] = static_cast<long>(projector) == chunk.Projector;
+    }
+    return setup;
+}
+
 int renderChunk(const Arguments& arguments) {
-    long index = -1;
-    if (arguments.size() != 2 || !qvrParseLong(arguments[1], index) || index < 0)
+    long number = -1;
+    if (arguments.size() != 2 || !qvrParseLong(arguments[1], number) || number < 0)
         return usage("task needs RUN and a chunk number");
     const std::optional<EFarmRun> run = loadRun(arguments[0]);
     if (!run) return ExitUsage;
-    if (static_cast<std::size_t>(index) >= run->Chunks.size()) return fail("the run has no such chunk");
-    const EFarmChunk& chunk = run->Chunks[static_cast<std::size_t>(index)];
+    const auto index = static_cast<std::size_t>(number);
+    if (index >= run->Chunks.size()) return fail("the run has no such chunk");
     QvrSession session;
     if (!session.Started()) return ExitUsage;
     iSaver* saver = openTaskSaver(session, *run);
     QvrRenderCounts counts;
-    const std::string result = run->ChunkFile(static_cast<std::size_t>(index), "result");
+    const std::string result = run->ChunkFile(index, "result");
     if (!saver) return finishTask(result, ExitUsage, counts);
-    iSaverSetup setup = saver->GetSetup();
-    setup.VideoStart = static_cast<std::uint32_t>(chunk.First);
-    setup.VideoEnd = static_cast<std::uint32_t>(chunk.Last);
-    setup.VideoSteps = static_cast<std::uint32_t>(run->Step);
-    setup.MiscThreadCnt = static_cast<std::uint32_t>(taskThreads(*run));
-    setup.LogKeep = true;
-    setup.LogFile = run->ChunkFile(static_cast<std::size_t>(index), "rlog");
-    if (run->RunKind == EFarmRun::Kind::Movie) {
-        auto& standard = dynamic_cast<isvrSaver&>(*saver);
-        standard.SetStream(&EFarmQuickStream::Get());
-        standard.SetStreamSetup({});
-        standard.SetFileName(run->FramesFolder() + "/frame.qts");
-    }
-    if (run->RunKind == EFarmRun::Kind::Array) {
-        auto& active = dynamic_cast<isvrVitrea&>(*saver).GetConfiguration().OutputFiles.ProjectorActive;
-        for (std::size_t projector = 0; projector < active.size(); ++projector)
-            active[projector] = static_cast<long>(projector) == chunk.Projector;
-    }
+    const iSaverSetup setup = prepareChunk(*saver, *run, index);
     return finishTask(result, QvrRender::Run(*saver, setup, counts), counts);
 }
 
@@ -525,8 +542,8 @@ int assembleMovie(const Arguments& arguments) {
     for (long frame = run->First; frame <= run->Last; frame += run->Step) {
         ++counts.Total;
         EImageFileResult read;
-        const std::string path = qvrFormat("%s/frame%04ld.qts", run->FramesFolder().c_str(), frame);
-        const std::unique_ptr<EImageData> picture = EImageFileFormat::Load(path, {0, 0, 0, 0}, read);
+        const std::unique_ptr<EImageData> picture =
+            EImageFileFormat::Load(run->QuickFile(frame), {0, 0, 0, 0}, read);
         EImageOutputError error;
         if (picture && movie.Write(*picture, frame, &error)) {
             ++counts.Done;

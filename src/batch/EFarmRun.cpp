@@ -146,6 +146,11 @@ std::string EFarmRun::ChunkFile(std::size_t chunk, const char* extension) const 
     return qvrFormat("%s/chunk%06zu.%s", Folder.c_str(), chunk, extension);
 }
 
+std::string EFarmRun::QuickFile(long frame) const {
+    // The quick file stream numbers its files by frame, with at least four digits.
+    return qvrFormat("%s/frame%04ld.qts", FramesFolder().c_str(), frame);
+}
+
 std::string EFarmRun::AssemblyFile(const char* extension) const {
     return Folder + "/assembly." + extension;
 }

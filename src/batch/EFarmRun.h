@@ -74,6 +74,9 @@ public:
     std::string ChunkFile(std::size_t chunk, const char* extension) const;
     std::string AssemblyFile(const char* extension) const;
     std::string FramesFolder() const { return Folder + "/frames"; }
+    // The name that a movie's chunks render their quick files under, and the file of one frame.
+    std::string QuickFilesName() const { return FramesFolder() + "/frame.qts"; }
+    std::string QuickFile(long frame) const;
     std::string ChunkScript() const { return Folder + "/chunk.sh"; }
     std::string AssemblyScript() const { return Folder + "/assemble.sh"; }
     // The scripts of the tasks: a chunk's (its index in the array's task id) and the assembly.
