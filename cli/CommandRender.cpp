@@ -4,6 +4,7 @@
 // saver, or a projector array saver with the state of every projector.
 
 #include "QvrCommand.h"
+#include "QvrRender.h"
 #include "QvrSession.h"
 
 #include "foundation/EStringTable.h"
@@ -311,7 +312,7 @@ private:
 };
 
 // Runs the dialog's logic to its end; the exit status.
-int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver,
+int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver, QvrRenderCounts& counts,
                const std::function<void()>& afterMessages) {
     run.Open();
     if (run.GetState() == ESaverExecution::StateOver) {
@@ -324,9 +325,9 @@ int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver,
     sigaction(SIGINT, &action, &previous);
     driveRun(run, view, afterMessages);
     sigaction(SIGINT, &previous, nullptr);
-    std::uint32_t total = 0;
-    std::uint32_t done = 0;
-    std::uint32_t failed = 0;
+    std::uint32_t& total = counts.Total;
+    std::uint32_t& done = counts.Done;
+    std::uint32_t& failed = counts.Failed;
     std::uint32_t remaining = 0;
     run.GetCounts(total, done, failed, remaining);
     std::fprintf(stderr, "qvr render: %s:%s %u of %u frames done, %u failed\n", saver.GetName().c_str(),
@@ -334,31 +335,32 @@ int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver,
     return !run.WasStopSent() && done == total ? ExitSuccess : ExitFailures;
 }
 
-int renderStandard(isvrSaver& saver, const iSaverSetup& setup) {
+int renderStandard(isvrSaver& saver, const iSaverSetup& setup, QvrRenderCounts& counts) {
     TerminalView view;
     ESaverExecution run(saver, setup, view);
-    return renderWith(run, view, saver, [] {});
+    return renderWith(run, view, saver, counts, [] {});
 }
 
-int renderArray(isvrVitrea& saver, const iSaverSetup& setup) {
+int renderArray(isvrVitrea& saver, const iSaverSetup& setup, QvrRenderCounts& counts) {
     TerminalView view;
     EVitreaExecution run(saver, setup, view);
     ProjectorRows rows(run, view);
     view.Details = [&rows] { return rows.WorkingText(); };
-    const int status = renderWith(run, view, saver, [&rows] { rows.ShowChanges(); });
+    const int status = renderWith(run, view, saver, counts, [&rows] { rows.ShowChanges(); });
     if (status != ExitUsage) rows.ShowOutcome();
     return status;
 }
 
 // Checks what the saver needs and runs it.
 template <class Saver>
-int checkAndRender(Saver& saver, const iSaverSetup& setup, int (*render)(Saver&, const iSaverSetup&)) {
+int checkAndRender(Saver& saver, const iSaverSetup& setup,
+                   int (*render)(Saver&, const iSaverSetup&, QvrRenderCounts&), QvrRenderCounts& counts) {
     const std::string cannot = startProblem(saver, setup);
     if (!cannot.empty()) {
         std::fprintf(stderr, "qvr render: %s: %s\n", saver.GetName().c_str(), cannot.c_str());
         return ExitUsage;
     }
-    return render(saver, setup);
+    return render(saver, setup, counts);
 }
 
 int runRender(const QvrCommand::Arguments& arguments) {
@@ -377,21 +379,25 @@ int runRender(const QvrCommand::Arguments& arguments) {
     }
     iSaver* saver = findSaver(options);
     if (!saver) return ExitUsage;
-    const iSaverSetup setup = runSetup(*saver, options);
-    if (auto* array = dynamic_cast<isvrVitrea*>(saver)) {
-        if (!options.Output.empty()) return usage("--output names the file of a standard saver only");
-        return checkAndRender(*array, setup, renderArray);
+    if (!options.Output.empty()) {
+        auto* standard = dynamic_cast<isvrSaver*>(saver);
+        if (!standard) return usage("--output names the file of a standard saver only");
+        standard->SetFileName(options.Output);
     }
-    auto* standard = dynamic_cast<isvrSaver*>(saver);
-    if (!standard) {
-        std::fprintf(stderr, "qvr render: %s: \"%s\" is a saver that qvr render can't run\n",
-                     options.Project.c_str(), saver->GetName().c_str());
-        return ExitUsage;
-    }
-    if (!options.Output.empty()) standard->SetFileName(options.Output);
-    return checkAndRender(*standard, setup, renderStandard);
+    QvrRenderCounts counts;
+    return QvrRender::Run(*saver, runSetup(*saver, options), counts);
 }
 
 QvrCommand render("render", "run a saver's render of a frame range", Help, runRender);
 
 } // namespace
+
+int QvrRender::Run(iSaver& saver, const iSaverSetup& setup, QvrRenderCounts& counts) {
+    if (auto* array = dynamic_cast<isvrVitrea*>(&saver))
+        return checkAndRender(*array, setup, renderArray, counts);
+    if (auto* standard = dynamic_cast<isvrSaver*>(&saver))
+        return checkAndRender(*standard, setup, renderStandard, counts);
+    std::fprintf(stderr, "qvr render: \"%s\" is a saver that qvr render can't run\n",
+                 saver.GetName().c_str());
+    return ExitUsage;
+}

@@ -4,7 +4,8 @@
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           libjpeg62-turbo-dev libpng-dev libdeflate-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
-          qt6-base-dev fonts-dejavu-core)
+          qt6-base-dev fonts-dejavu-core
+          slurmctld slurmd slurm-client munge)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "ok installed" || missing+=("$p")

@@ -3,6 +3,7 @@
 // reverse of the start order within each list.
 
 #include "app/EInitializer.h"
+#include "batch/EBatchJob.h"
 #include "foundation/EEnvironment.h"
 #include "foundation/ELog.h"
 #include "foundation/iDataBaseSection.h"
@@ -55,7 +56,8 @@ constexpr EStringId AviCompressors = 40216;
 constexpr EStringId BatchProcessor = 40219;
 
 // Components with a dependency, started in the order 13 to 17.
-EComponent batchProcessor(BatchProcessor, GlobalLog);
+// The batch list goes at the end, once the preferences have kept it.
+EComponent batchProcessor(BatchProcessor, GlobalLog, {}, [] { EBatchJobList::Get().DeleteAll(); });
 EComponent aviCompressors(
     AviCompressors, GlobalLog,
     [] {

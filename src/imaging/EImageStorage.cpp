@@ -576,6 +576,7 @@ std::string EImageStorage::GetProxyDirectory() {
 
 void EImageStorage::OnExit() {
     SaveSettings();
+    if (keepProxyDirAtExit) return;
     switch (GetSettings().cleanUpMode) {
     case EProxyCleanUp::EmptyAtExit:
         EmptyProxyDir(EProxyConfirmation::No);

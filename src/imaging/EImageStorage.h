@@ -110,6 +110,9 @@ public:
     std::string GetProxyDirectory();
     // Saves the settings and cleans up the proxy directory as they ask; the end of the component.
     void OnExit();
+    // The proxy directory stays as it is at exit, whatever the settings ask:
+    // for a process that shares it with others still at work.
+    void KeepProxyDirAtExit() { keepProxyDirAtExit = true; }
 
 private:
     using InfoKey = std::pair<std::string, std::string>;
@@ -143,4 +146,5 @@ private:
     qvrCCriticalSection lock;
     std::map<InfoKey, std::unique_ptr<ImageFileInfo>> cache;
     EProxySettings settings;
+    bool keepProxyDirAtExit = false;
 };

@@ -128,6 +128,9 @@ EImageOutputStream::EImageOutputStream(const char* streamName, const char* fileE
     qvrTraceVerbose("> EImageOutputStream \"%s\" registered (extension %s)\n", name, extension);
 }
 
+EImageOutputStream::EImageOutputStream(const char* streamName, const char* fileExtension, Unlisted)
+    : name(streamName), extension(fileExtension), next(nullptr) {}
+
 std::string EImageOutputStream::ForceExtension(const std::string& fileName) const {
     if (fileName.empty()) return fileName;
     const size_t dot = fileName.rfind('.');

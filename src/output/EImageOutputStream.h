@@ -172,6 +172,9 @@ public:
 protected:
     // Links the stream at the head of the registry. Both texts are static.
     EImageOutputStream(const char* streamName, const char* fileExtension);
+    // A stream kept out of the registry, for the program's own intermediate files.
+    struct Unlisted {};
+    EImageOutputStream(const char* streamName, const char* fileExtension, Unlisted);
 
 private:
     const char* name;
