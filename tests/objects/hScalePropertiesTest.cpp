@@ -45,13 +45,12 @@ TEST_F(ScalePage, BadEntriesAreRefusedWithTheirComplaintAndChangeNothing) {
     scale.UnlinkParent(&probe);
     EXPECT_FALSE(page.CommitFactorY("2"));
     EXPECT_EQ(user.Messages,
-              (std::vector<std::string>{"The name cannot be empty !", "There is already an object with that name !",
-                                        "Entering nothing won't help you.",
-                                        "Please enter a number greater or equal to 10.",
-                                        "Please enter a number greater or equal to 10.",
-                                        "Entering nothing won't help you.", "Please enter a number !",
-                                        "Source does not have a valid size.",
-                                        "Please assign a parent object before using the factor property !"}));
+              (std::vector<std::string>{
+                  "The name cannot be empty !", "There is already an object with that name !",
+                  "Entering nothing won't help you.", "Please enter a number greater or equal to 10.",
+                  "Please enter a number greater or equal to 10.", "Entering nothing won't help you.",
+                  "Please enter a number !", "Source does not have a valid size.",
+                  "Please assign a parent object before using the factor property !"}));
     EXPECT_EQ(scale.GetName(), "Scaler.1");
     EXPECT_EQ(scale.GetTargetSize(12), (EImageSize{720, 576}));
     EXPECT_EQ(scale.GetWidthValue().GetKeyCount(), 1);
