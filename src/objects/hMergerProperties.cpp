@@ -65,11 +65,7 @@ bool hMergerProperties::CommitPosition(size_t row, const std::string& text) {
 }
 
 bool hMergerProperties::MoveDown(size_t row) {
-    imodMergerLink* link = linkAt(row);
-    if (!link) return false;
-    if (row == 0) return complainAbout(ObjectText::TextAlreadyBackground, *link);
-    relink(*link, linkAt(row - 1));
-    return true;
+    return sink(row, row - 1);
 }
 
 bool hMergerProperties::MoveUp(size_t row) {
@@ -82,10 +78,14 @@ bool hMergerProperties::MoveUp(size_t row) {
 }
 
 bool hMergerProperties::MakeBackground(size_t row) {
+    return sink(row, 0);
+}
+
+bool hMergerProperties::sink(size_t row, size_t place) {
     imodMergerLink* link = linkAt(row);
     if (!link) return false;
     if (row == 0) return complainAbout(ObjectText::TextAlreadyBackground, *link);
-    relink(*link, Merger.GetFirstLink());
+    relink(*link, linkAt(place));
     return true;
 }
 

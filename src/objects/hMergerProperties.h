@@ -54,6 +54,8 @@ private:
     imodMergerLink* linkAt(size_t row) const;
     // The layer of the row; null for the background's row and for rows that don't exist.
     imodMergerLink* layerAt(size_t row) const;
+    // Moves the row's link before the link of the lower row `place`; the background can't sink.
+    bool sink(size_t row, size_t place);
     // Takes the link out of the chain and enters it before `before` (null: at the top).
     static void relink(imodMergerLink& link, imodMergerLink* before);
     // The complaint with the name of the link's source.

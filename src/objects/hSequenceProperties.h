@@ -48,8 +48,8 @@ public:
 private:
     // A whole number, or the complaint that it isn't one.
     static bool readNumber(const std::string& text, long& value);
-    // Reads the size of the group's first file into the group and makes that file's proxy if the group uses
-    // them.
+    // Reads the size of the group's first file into the group; makes that
+    // file's proxy when the group uses proxies.
     static bool examineFiles(EFileGroupSetup& group);
     // The copy for a further group, the `place`-th, set down that many grid steps beside the object.
     void addCopy(iProject& project, const EFileGroupSetup& group, long place);
