@@ -41,6 +41,9 @@ enum class iParameterCopy { Copied, NotCopied };
 struct iParameterLimits {
     std::optional<double> Min;
     std::optional<double> Max;
+
+    // Whether a number lies within the limits.
+    bool Allows(double value) const { return !(Min && value < *Min) && !(Max && value > *Max); }
 };
 
 struct iParameter {
@@ -57,9 +60,7 @@ struct iParameter {
     iParameterCopy Copy = iParameterCopy::Copied;
 
     // Whether a number lies within the limits.
-    bool Allows(double value) const {
-        return !(Limits.Min && value < *Limits.Min) && !(Limits.Max && value > *Limits.Max);
-    }
+    bool Allows(double value) const { return Limits.Allows(value); }
 };
 
 // A parameter of `Object` and the member that holds it; animated parameters

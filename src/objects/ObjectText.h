@@ -39,4 +39,36 @@ struct ObjectText {
     static constexpr EStringId LabelCustomFlowControl = 47727;
     static constexpr EStringId LabelBackward = 47728;
     static constexpr EStringId LabelFlowControl = 47729;
+
+    // Complaints of the property pages.
+    static constexpr EStringId TextNothingEntered = 47501;
+    static constexpr EStringId TextNotANumber = 47502;
+    static constexpr EStringId TextNameEmpty = 47613;
+    static constexpr EStringId TextNameTaken = 47614;
+    static constexpr EStringId TextInvalidColor = 47615;
+    static constexpr EStringId TextInvalidAlpha = 47616;
+    // The line of the pages that show the parent's size: " <parent>: <w>x<h>" or that there is none.
+    static constexpr EStringId TextParentLine = 47601;
+    static constexpr EStringId TextNoValidSource = 47602;
+    // The scaler's page.
+    static constexpr EStringId TextSideTooSmall = 47401;
+    static constexpr EStringId TextFactorNeedsParent = 47402;
+    static constexpr EStringId TextParentWithoutSize = 47403;
+    // The composer's page: complaints, the titles of the layer list's columns
+    // (source, x, y, opacity) and the background row's texts in place of numbers.
+    static constexpr EStringId TextMergerNameEmpty = 47421;
+    static constexpr EStringId TextInvalidOpacity = 47422;
+    static constexpr EStringId TextInvalidPosition = 47423;
+    static constexpr EStringId TextAlreadyBackground = 47424;
+    static constexpr EStringId TextAlreadyTopLevel = 47425;
+    static constexpr EStringId TitleLayerSource = 47426;
+    static constexpr EStringId TitleLayerX = 47427;
+    static constexpr EStringId TitleLayerY = 47428;
+    static constexpr EStringId TitleLayerOpacity = 47429;
+    static constexpr EStringId TextBackgroundPosition = 47430;
+    static constexpr EStringId TextBackgroundOpacity = 47431;
+    // The footage's change of files.
+    static constexpr EStringId TextBadFileSelection = 47800;
+    static constexpr EStringId TextNoFileInformation = 47801;
+    static constexpr EStringId TextProxyFailed = 47802;
 };

@@ -1,51 +1,31 @@
 #include "objects/hCropProperties.h"
 
-#include "foundation/hMessageBox.h"
 #include "foundation/qvrString.h"
-#include "model/iElementContainer.h"
 #include "objects/imodCrop.h"
 
 namespace {
 
 enum : EStringId {
-    textParentLine = 47601,
-    textNoValidSource = 47602,
     textFirstAbsoluteLabel = 47603, // four labels: width, height, centre x, centre y
     textFirstRelativeLabel = 47607, // four labels: left, right, top, bottom
     textNotANumber = 47611,
     textTooSmall = 47612,
-    textEmptyName = 47613,
-    textNameTaken = 47614,
-    textInvalidColor = 47615,
-    textInvalidAlpha = 47616,
 };
 
 constexpr double smallestSide = 4.0;
 
-bool complain(EStringId text) {
-    hMessageBox::Show(EStringTable::Load(text), hMessageBox::OK | hMessageBox::IconExclamation, "");
-    return false;
-}
-
-bool readByte(std::string_view text, long& value) {
-    return qvrParseLong(qvrTrim(text), value) && value >= 0 && value <= 255;
-}
-
 } // namespace
 
+hCropProperties::hCropProperties(imodCrop& crop, long frame)
+    : hPropertyPage(crop), Crop(crop), Frame(frame) {}
+
 EImageSize hCropProperties::parentSize() const {
-    iElement* parent = Crop.GetFirstParent();
-    iImageSizeResult size;
-    if (!parent || !parent->QueryImageSize(size, Frame)) return {};
-    return size.Size;
+    EImageSize size;
+    return queryParentSize(Frame, size) ? size : EImageSize{};
 }
 
 std::string hCropProperties::GetParentText() const {
-    iElement* parent = Crop.GetFirstParent();
-    iImageSizeResult size;
-    if (!parent || !parent->QueryImageSize(size, Frame)) return EStringTable::Load(textNoValidSource);
-    return qvrFormat(EStringTable::Load(textParentLine).c_str(), parent->GetName().c_str(), size.Size.Width,
-                     size.Size.Height);
+    return getParentLine(Frame);
 }
 
 std::array<std::string, 4> hCropProperties::GetFieldLabels() const {
@@ -94,22 +74,12 @@ bool hCropProperties::readGeometry(const hCropEntry& entry, Geometry& geometry) 
     return true;
 }
 
-bool hCropProperties::checkName(const std::string& name) const {
-    if (name.empty()) return complain(textEmptyName);
-    iElementContainer* project = Crop.GetProject();
-    iElement* holder = project ? project->FindElement(name) : nullptr;
-    if (holder && holder != &Crop) return complain(textNameTaken);
-    return true;
-}
-
 bool hCropProperties::readColor(const hCropEntry& entry, std::uint32_t& colour) const {
-    const std::vector<std::string> parts = qvrSplit(entry.Color, ',');
-    long channels[3] = {};
-    if (parts.size() != 3) return complain(textInvalidColor);
-    for (size_t i = 0; i < 3; ++i)
-        if (!readByte(parts[i], channels[i])) return complain(textInvalidColor);
+    std::array<long, 3> channels{};
     long alpha = 0;
-    if (!readByte(entry.Alpha, alpha)) return complain(textInvalidAlpha);
+    if (!readWholes(entry.Color, ByteLimits, channels, EStringTable::Get(ObjectText::TextInvalidColor)) ||
+        !readWhole(entry.Alpha, ByteLimits, alpha, EStringTable::Get(ObjectText::TextInvalidAlpha)))
+        return false;
     colour = static_cast<std::uint32_t>(alpha << 24 | channels[0] << 16 | channels[1] << 8 | channels[2]);
     return true;
 }

@@ -7,7 +7,7 @@
 // crop as it was. Values are set as keys at the page's frame.
 // Main thread only.
 
-#include "model/iRenderRequest.h"
+#include "objects/hPropertyPage.h"
 
 #include <array>
 #include <string>
@@ -24,9 +24,9 @@ struct hCropEntry {
     std::string Alpha;
 };
 
-class hCropProperties {
+class hCropProperties : public hPropertyPage {
 public:
-    hCropProperties(imodCrop& crop, long frame) : Crop(crop), Frame(frame) {}
+    hCropProperties(imodCrop& crop, long frame);
 
     // " <parent>: <width>x<height>", or " <no valid source>".
     std::string GetParentText() const;
@@ -44,7 +44,6 @@ private:
     // The parent's size at the frame, 0 by 0 when it has none.
     EImageSize parentSize() const;
     bool readGeometry(const hCropEntry& entry, Geometry& geometry) const;
-    bool checkName(const std::string& name) const;
     bool readColor(const hCropEntry& entry, std::uint32_t& colour) const;
 
     imodCrop& Crop;

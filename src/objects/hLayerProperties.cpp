@@ -1,60 +1,35 @@
 #include "objects/hLayerProperties.h"
 
-#include "foundation/hMessageBox.h"
 #include "foundation/qvrString.h"
-#include "model/iElementContainer.h"
 #include "objects/isrcLayer.h"
 
-namespace {
+#include <array>
 
-constexpr long MinSide = 10;
-constexpr long MaxSide = 35000;
-
-bool parseWhole(std::string_view text, long& value) {
-    return qvrParseLong(qvrTrim(text), value);
-}
-
-} // namespace
-
-bool hLayerProperties::complain(const char* text) {
-    hMessageBox::Show(text, hMessageBox::OK | hMessageBox::IconExclamation, "");
-    return false;
-}
-
-bool hLayerProperties::readWhole(const std::string& text, long low, long high, long& value,
-                                 const char* complaint) const {
-    if (!parseWhole(text, value) || value < low || value > high) return complain(complaint);
-    return true;
-}
-
-bool hLayerProperties::CommitName(const std::string& text) {
-    if (text.empty()) return complain("The name cannot be empty !");
-    iElementContainer* project = Layer.GetProject();
-    iElement* holder = project ? project->FindElement(text) : nullptr;
-    if (holder && holder != &Layer) return complain("There is already an object with that name !");
-    return Layer.SetName(text, true);
-}
+hLayerProperties::hLayerProperties(isrcLayer& layer, long frame)
+    : hPropertyPage(layer), Layer(layer), Frame(frame) {}
 
 bool hLayerProperties::CommitWidth(const std::string& text) {
-    long width = 0;
-    if (!readWhole(text, MinSide, MaxSide, width, "Invalid width !")) return false;
-    Layer.SetSize({width, Layer.GetSize(Frame).Height});
-    return true;
+    return commitSide(text, &EImageSize::Width, "Invalid width !");
 }
 
 bool hLayerProperties::CommitHeight(const std::string& text) {
-    long height = 0;
-    if (!readWhole(text, MinSide, MaxSide, height, "Invalid height !")) return false;
-    Layer.SetSize({Layer.GetSize(Frame).Width, height});
+    return commitSide(text, &EImageSize::Height, "Invalid height !");
+}
+
+bool hLayerProperties::commitSide(const std::string& text, long EImageSize::*side, const char* complaint) {
+    long entered = 0;
+    if (!readWhole(text, isrcLayer::Parameters.Get("Size").Limits, entered, complaint)) return false;
+    EImageSize size = Layer.GetSize(Frame);
+    size.*side = entered;
+    Layer.SetSize(size);
     return true;
 }
 
+// The channels may lie outside 0 to 255: reading folds them into the values' limits.
 bool hLayerProperties::CommitColor(const std::string& text) {
-    const std::vector<std::string> parts = qvrSplit(text, ',');
-    long channels[3] = {};
-    if (parts.size() != 3) return complain("Invalid color !");
-    for (size_t i = 0; i < 3; ++i)
-        if (!parseWhole(parts[i], channels[i])) return complain("Invalid color !");
+    std::array<long, 3> channels{};
+    if (!readWholes(text, iParameterLimits{}, channels, EStringTable::Get(ObjectText::TextInvalidColor)))
+        return false;
     Layer.GetRedValue().SetKeyAuto(Frame, static_cast<double>(channels[0]), true, false);
     Layer.GetGreenValue().SetKeyAuto(Frame, static_cast<double>(channels[1]), true, false);
     Layer.GetBlueValue().SetKeyAuto(Frame, static_cast<double>(channels[2]), true, false);
@@ -63,7 +38,9 @@ bool hLayerProperties::CommitColor(const std::string& text) {
 
 bool hLayerProperties::CommitAlpha(const std::string& text) {
     long alpha = 0;
-    if (!readWhole(text, 0, 255, alpha, "Invalid alpha value !")) return false;
+    if (!readWhole(text, isrcLayer::Parameters.Get("Color Alpha").Limits, alpha,
+                   EStringTable::Get(ObjectText::TextInvalidAlpha)))
+        return false;
     Layer.GetAlphaValue().SetKeyAuto(Frame, static_cast<double>(alpha), true, false);
     return true;
 }

@@ -6,16 +6,17 @@
 // as keys at the view's current frame; the size has no keys.
 // Main thread only.
 
+#include "objects/hPropertyPage.h"
+
 #include <string>
 
 class isrcLayer;
 
-class hLayerProperties {
+class hLayerProperties : public hPropertyPage {
 public:
-    hLayerProperties(isrcLayer& layer, long frame) : Layer(layer), Frame(frame) {}
+    hLayerProperties(isrcLayer& layer, long frame);
 
     // Each returns true when the text was accepted and applied.
-    bool CommitName(const std::string& text);
     bool CommitWidth(const std::string& text);
     bool CommitHeight(const std::string& text);
     // Three whole numbers, red, green and blue, with commas between them.
@@ -29,9 +30,8 @@ public:
     std::string GetAlphaText() const;
 
 private:
-    // A whole number within the bounds, or a complaint.
-    bool readWhole(const std::string& text, long low, long high, long& value, const char* complaint) const;
-    static bool complain(const char* text);
+    // A side of the size from 10 to 35000, or the complaint.
+    bool commitSide(const std::string& text, long EImageSize::*side, const char* complaint);
 
     isrcLayer& Layer;
     const long Frame;

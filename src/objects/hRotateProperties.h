@@ -6,17 +6,17 @@
 // is set as a key at the page's frame.
 // Main thread only.
 
+#include "objects/hPropertyPage.h"
+
 #include <string>
 
 class imodRotate;
 
-class hRotateProperties {
+class hRotateProperties : public hPropertyPage {
 public:
-    hRotateProperties(imodRotate& rotate, long frame) : Rotate(rotate), Frame(frame) {}
+    hRotateProperties(imodRotate& rotate, long frame);
 
-    // Each returns true when the text was accepted and applied.
-    bool CommitName(const std::string& text);
-    // A whole number of degrees.
+    // A whole number of degrees; true when it was accepted and applied.
     bool CommitAngle(const std::string& text);
 
     // The angle that the page shows at its frame, in whole degrees.

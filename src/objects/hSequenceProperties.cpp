@@ -1,40 +1,27 @@
 #include "objects/hSequenceProperties.h"
 
-#include "foundation/hMessageBox.h"
+#include "foundation/EEnvironment.h"
 #include "foundation/qvrString.h"
-#include "model/iElementContainer.h"
+#include "imaging/EImageStorage.h"
+#include "model/iProject.h"
 #include "objects/isrcSequence.h"
 
 #include <algorithm>
+#include <array>
 
-namespace {
-
-bool complain(const char* text) {
-    hMessageBox::Show(text, hMessageBox::OK | hMessageBox::IconExclamation, "");
-    return false;
-}
-
-} // namespace
+hSequenceProperties::hSequenceProperties(isrcSequence& sequence)
+    : hPropertyPage(sequence), Sequence(sequence) {}
 
 bool hSequenceProperties::readNumber(const std::string& text, long& value) {
-    return qvrParseLong(qvrTrim(text), value) || complain("Invalid value; you must enter a number.");
-}
-
-bool hSequenceProperties::CommitName(const std::string& text) {
-    if (text.empty()) return complain("The name cannot be empty !");
-    iElementContainer* project = Sequence.GetProject();
-    iElement* holder = project ? project->FindElement(text) : nullptr;
-    if (holder && holder != &Sequence) return complain("There is already an object with that name !");
-    return Sequence.SetName(text, true);
+    return parseWhole(text, value) || complain("Invalid value; you must enter a number.");
 }
 
 bool hSequenceProperties::CommitRange(const std::string& text) {
-    const std::vector<std::string> parts = qvrSplit(text, ',');
-    long first = 0;
-    long last = 0;
-    if (parts.size() != 2 || !qvrParseLong(qvrTrim(parts[0]), first) ||
-        !qvrParseLong(qvrTrim(parts[1]), last))
-        return complain("Invalid range; first and last image must be divided by a comma...");
+    std::array<long, 2> range{};
+    if (!readWholes(text, iParameterLimits{}, range,
+                    "Invalid range; first and last image must be divided by a comma..."))
+        return false;
+    const auto [first, last] = range;
     if (first < Sequence.GetFirstNumber() || last > Sequence.GetLastNumber() || last < first) return false;
     Sequence.SetUsedRange(first, last);
     return true;
@@ -66,6 +53,52 @@ bool hSequenceProperties::CommitEndFrame(const std::string& text) {
 
 void hSequenceProperties::UseWholeRange() {
     Sequence.SetUsedRange(Sequence.GetFirstNumber(), Sequence.GetLastNumber());
+}
+
+// --------------------------------------------------------------- change footage
+
+bool hSequenceProperties::ChangeFootage(std::vector<EFileGroupSetup> groups) {
+    auto* project = dynamic_cast<iProject*>(Sequence.GetProject());
+    const bool hasEmpty = std::any_of(groups.begin(), groups.end(),
+                                      [](const EFileGroupSetup& group) { return group.IsEmpty(); });
+    if (groups.empty() || hasEmpty || (groups.size() > 1 && !project))
+        return complain(ObjectText::TextBadFileSelection);
+    if (!std::all_of(groups.begin(), groups.end(), examineFiles)) return false;
+    Sequence.SetFile(groups.front(), true);
+    for (size_t i = 1; i < groups.size(); ++i)
+        addCopy(*project, groups[i], static_cast<long>(i));
+    return true;
+}
+
+bool hSequenceProperties::examineFiles(EFileGroupSetup& group) {
+    const std::string file = group.GetFileForNumber(group.GetFirstNumber());
+    const std::string path = EEnvironment::PathPlusFile(group.GetDirectory(), file);
+    EImageStorage& storage = EImageStorage::Get();
+    CSize size;
+    EImageFileResult result;
+    if (!storage.QueryImageInfo(group.GetDirectory(), file, EProxyCreation::No, size, result))
+        return complain(
+            qvrFormatMessage(EStringTable::Get(ObjectText::TextNoFileInformation), {path, result.text}));
+    if (group.UseProxies &&
+        !storage.QueryImageInfo(group.GetDirectory(), file, EProxyCreation::Yes, size, result))
+        return complain(
+            qvrFormatMessage(EStringTable::Get(ObjectText::TextProxyFailed), {path, result.text}));
+    group.ImageSize = size;
+    return true;
+}
+
+// The copy takes the files before it joins the project, so that a name made
+// from the files is the one it joins under.
+void hSequenceProperties::addCopy(iProject& project, const EFileGroupSetup& group, long place) {
+    std::unique_ptr<isrcSequence> made = Sequence.Clone();
+    made->SetFile(group, false);
+    const CPoint grid = project.GetPaneGrid();
+    const CPoint at = Sequence.GetPanePosition();
+    made->SetPanePosition({at.x + grid.x * place, at.y + grid.y * place}, false);
+    iElement* copy = project.Adopt(std::move(made));
+    if (!copy) return;
+    for (iElementLink* link = Sequence.GetFirstChildLink(); link; link = link->GetNextOfParent())
+        if (link->GetChild()->CheckLinkParent(copy) == link_done) link->GetChild()->LinkParent(copy);
 }
 
 std::string hSequenceProperties::GetFilesText() const {

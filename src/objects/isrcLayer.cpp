@@ -29,6 +29,7 @@ const iParameterEntry<isrcLayer> isrcLayer::parameterEntries[] = {
     {{.Key = "Size",
       .Kind = iParameterKind::Size,
       .Label = ObjectText::LabelSize,
+      .Limits = {10.0, 35000.0},
       .Load = iParameterLoad::ByClass},
      &isrcLayer::size},
 };

@@ -1,41 +1,24 @@
 #include "output/hSaverProperties.h"
 
 #include "foundation/EUserInterface.h"
-#include "foundation/hMessageBox.h"
 #include "foundation/qvrCTreeData.h"
 #include "foundation/qvrString.h"
 #include "model/iElementContainer.h"
 #include "output/EImageOutputStream.h"
 #include "output/isvrSaver.h"
 
-namespace {
-
-bool complain(const std::string& text) {
-    hMessageBox::Show(text, hMessageBox::OK | hMessageBox::IconExclamation, "");
-    return false;
-}
-
-} // namespace
-
 hSaverProperties::hSaverProperties(isvrSaver& saver, long frame)
-    : Stream(saver.GetStream()), FileName(saver.GetFileName()), SetupText(saver.GetStreamSetup()),
-      Saver(saver), Frame(frame) {}
+    : hPropertyPage(saver), Stream(saver.GetStream()), FileName(saver.GetFileName()),
+      SetupText(saver.GetStreamSetup()), Saver(saver), Frame(frame) {}
 
 // ---------------------------------------------------------------- the property page
-
-bool hSaverProperties::CommitName(const std::string& text) {
-    if (text.empty()) return complain("The name cannot be empty !");
-    iElementContainer* project = Saver.GetProject();
-    const iElement* holder = project ? project->FindElement(text) : nullptr;
-    if (holder && holder != &Saver) return complain("There is already an object with that name !");
-    return Saver.SetName(text, true);
-}
 
 bool hSaverProperties::CommitSize(const std::string& text) {
     long sides[2] = {};
     if (!qvrTreeText::ToLongs(text, sides, 2))
         return complain("This is not a valid size - format is WIDTH,HEIGHT.");
-    if (sides[0] < isvrSaver::MinSide || sides[1] < isvrSaver::MinSide)
+    const iParameterLimits& limits = isvrSaver::Parameters.Get("Size").Limits;
+    if (!limits.Allows(static_cast<double>(sides[0])) || !limits.Allows(static_cast<double>(sides[1])))
         return complain("Neither dimension should be smaller than 10.");
     return applySize({sides[0], sides[1]});
 }
@@ -53,23 +36,15 @@ std::string hSaverProperties::GetSizeText() const {
     return qvrFormat("%ld,%ld", size.Width, size.Height);
 }
 
-bool hSaverProperties::querySourceSize(EImageSize& size) const {
-    iElement* source = Saver.GetFirstParent();
-    iImageSizeResult answer;
-    if (!source || !source->QueryImageSize(answer, Frame)) return false;
-    size = answer.Size;
-    return true;
-}
-
 std::string hSaverProperties::GetSourceSizeText() const {
     EImageSize size;
-    if (!querySourceSize(size)) return " --";
+    if (!queryParentSize(Frame, size)) return " --";
     return qvrFormat(" %ld,%ld", size.Width, size.Height);
 }
 
 bool hSaverProperties::CopySourceSize() {
     EImageSize size;
-    if (!querySourceSize(size)) return complain("Cannot detect parent's size !");
+    if (!queryParentSize(Frame, size)) return complain("Cannot detect parent's size !");
     return applySize(size);
 }
 

@@ -7,20 +7,18 @@
 // copy of stream, file and setup text, and gives them to the saver when it
 // may be left. Main thread only.
 
-#include "model/iRenderRequest.h"
+#include "objects/hPropertyPage.h"
 
 #include <string>
 
 class EImageOutputStream;
 class isvrSaver;
 
-class hSaverProperties {
+class hSaverProperties : public hPropertyPage {
 public:
     hSaverProperties(isvrSaver& saver, long frame);
 
-    // --- The property page.
-    // Empty names and names of other objects are refused.
-    bool CommitName(const std::string& text);
+    // --- The property page: the name (see hPropertyPage), the output size and the source's size.
     // "WIDTH,HEIGHT", both at least 10; a change updates the saver's views.
     bool CommitSize(const std::string& text);
     std::string GetSizeText() const;
@@ -46,8 +44,6 @@ public:
     bool EditSetup(void* parentWindow);
 
 private:
-    // The source's size at the page's frame; false when it can't be told.
-    bool querySourceSize(EImageSize& size) const;
     bool applySize(EImageSize size);
     // Complains when there is no stream.
     bool needStream();

@@ -88,9 +88,9 @@ TEST(hMatrix, ReferenceIsTheZeroPaddedConvolutionAndNewKernelsCopy) {
 TEST(hMatrix, FastFilterGivesTheReferenceBytes) {
     // Small entries, entries of any 32 bits (their sums wrap), and divisors
     // from 1 to the largest, either sign, powers of two among them.
-    const std::pair<std::uint32_t, std::int32_t> kernels[] = {
-        {6001, 1024}, {6001, -3},  {6001, 2},      {65536 * 3, 1}, {0, -1},
-        {0, 777777},  {0, 1 << 30}, {0, INT32_MAX}, {0, INT32_MIN}};
+    const std::pair<std::uint32_t, std::int32_t> kernels[] = {{6001, 1024},   {6001, -3},     {6001, 2},
+                                                              {65536 * 3, 1}, {0, -1},        {0, 777777},
+                                                              {0, 1 << 30},   {0, INT32_MAX}, {0, INT32_MIN}};
     for (const auto& [range, divisor] : kernels) {
         hMatrix matrix;
         for (int i = 0; i < 25; ++i) {
@@ -114,7 +114,8 @@ TEST(hMatrix, FastFilterOfKernelsWithZeroRowsAndColumnsGivesTheReferenceBytes) {
     for (const auto& placement : placements) {
         hMatrix matrix;
         matrix.SetEntry(2, 2, 0);
-        for (auto [x, y] : placement) matrix.SetEntry(x, y, x == 2 && y == 2 ? 5 * hMatrix::One : -hMatrix::One - x);
+        for (auto [x, y] : placement)
+            matrix.SetEntry(x, y, x == 2 && y == 2 ? 5 * hMatrix::One : -hMatrix::One - x);
         for (CSize size : testSizes) {
             const auto source = Picture(size, Noise);
             EXPECT_EQ(PixelsOf(matrix.Apply(*source)), PixelsOf(matrix.ApplyReference(*source)))
