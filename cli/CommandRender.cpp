@@ -5,6 +5,7 @@
 
 #include "QvrCommand.h"
 #include "QvrRender.h"
+#include "QvrSaverChoice.h"
 #include "QvrSession.h"
 
 #include "foundation/EStringTable.h"
@@ -109,37 +110,6 @@ std::string parseOptions(const QvrCommand::Arguments& arguments, RenderOptions& 
     if (!options.Log.empty()) options.Log = QvrSession::Absolute(options.Log);
     if (!options.Output.empty()) options.Output = QvrSession::Absolute(options.Output);
     return {};
-}
-
-// The saver named, or the project's only saver; null with a complaint printed.
-iSaver* findSaver(const RenderOptions& options) {
-    iProject& project = iProject::GetStandard();
-    iElement* found = nullptr;
-    if (!options.Saver.empty()) {
-        found = project.FindElement(options.Saver);
-        if (!found) {
-            std::fprintf(stderr, "qvr render: %s: there is no element \"%s\"\n", options.Project.c_str(),
-                         options.Saver.c_str());
-            return nullptr;
-        }
-    } else {
-        int savers = 0;
-        for (iElement* element : project.GetElements()) {
-            if (!dynamic_cast<iSaver*>(element)) continue;
-            found = element;
-            ++savers;
-        }
-        if (savers != 1) {
-            std::fprintf(stderr, "qvr render: %s: the project holds %d savers; name one with --saver\n",
-                         options.Project.c_str(), savers);
-            return nullptr;
-        }
-    }
-    auto* saver = dynamic_cast<iSaver*>(found);
-    if (!saver)
-        std::fprintf(stderr, "qvr render: %s: \"%s\" is not a saver\n", options.Project.c_str(),
-                     found->GetName().c_str());
-    return saver;
 }
 
 iSaverSetup runSetup(const iSaver& saver, const RenderOptions& options) {
@@ -332,7 +302,11 @@ int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver, Qv
     run.GetCounts(total, done, failed, remaining);
     std::fprintf(stderr, "qvr render: %s:%s %u of %u frames done, %u failed\n", saver.GetName().c_str(),
                  run.GetStateText().c_str(), done, total, failed);
-    return !run.WasStopSent() && done == total ? ExitSuccess : ExitFailures;
+    const std::uint32_t unsaved = run.GetSaveFailures();
+    if (unsaved > 0)
+        std::fprintf(stderr, "qvr render: %s: %u frames could not be written\n", saver.GetName().c_str(),
+                     unsaved);
+    return !run.WasStopSent() && done == total && unsaved == 0 ? ExitSuccess : ExitFailures;
 }
 
 int renderStandard(isvrSaver& saver, const iSaverSetup& setup, QvrRenderCounts& counts) {
@@ -377,7 +351,7 @@ int runRender(const QvrCommand::Arguments& arguments) {
         std::fprintf(stderr, "qvr render: %s: the project could not be loaded\n", options.Project.c_str());
         return ExitUsage;
     }
-    iSaver* saver = findSaver(options);
+    iSaver* saver = QvrFindSaver<iSaver>("render", options.Project, options.Saver, "saver");
     if (!saver) return ExitUsage;
     if (!options.Output.empty()) {
         auto* standard = dynamic_cast<isvrSaver*>(saver);

@@ -1,17 +1,21 @@
-// qvr vitrea metrics|outputs: writes the metric and the output definition file
-// of a projector array saver from the few numbers and patterns of the quick
-// setup.
+// qvr vitrea metrics|outputs|export: writes the metric and the output
+// definition file of a projector array saver from the few numbers and
+// patterns of the quick setup, or the three definition files of a saver in a
+// project.
 
 #include "QvrCommand.h"
+#include "QvrSaverChoice.h"
 #include "QvrSession.h"
 
 #include "foundation/EStringTable.h"
+#include "foundation/hReport.h"
 #include "foundation/qvrString.h"
 #include "output/EImageOutputStream.h"
 #include "projector/LMetrics.h"
 #include "projector/LMetricsQuickSetup.h"
 #include "projector/LOutputFiles.h"
 #include "projector/hOutputFilesGenerateDialog.h"
+#include "projector/isvrVitrea.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,7 +28,9 @@ constexpr const char* Help =
     "usage: qvr vitrea metrics OUT.vtmt [--dx N] [--dy N] [--hx N] [--hy N] [--vx N]\n"
     "                          [--vy N] [--w N] [--h N] [--resolution X,Y] [--fix]\n"
     "       qvr vitrea outputs OUT.vtfl --file PATTERN [--dir PATTERN] [--format NAME]\n"
-    "                          [--setup TEXT] [--off N[,N...]]\n\n"
+    "                          [--setup TEXT] [--off N[,N...]]\n"
+    "       qvr vitrea export PROJECT [--saver NAME] [--calibration FILE.vtcl]\n"
+    "                          [--metrics FILE.vtmt] [--outputs FILE.vtfl]\n\n"
     "metrics  lays out the 18 windows of the projector array, 5 in a column and 13\n"
     "         in a row, as the metric quick setup does, and writes them as a metric\n"
     "         file. --w and --h are a window's size, --dy and --dx the gaps in the\n"
@@ -37,7 +43,10 @@ constexpr const char* Help =
     "         default output stream) with its setup TEXT (default: the format's\n"
     "         defaults). In the patterns \"<P>\" stands for the projector's number,\n"
     "         01 to 18, and \"<F>\" for the frame, which sequences need. --off\n"
-    "         switches projectors off, numbered from 1.\n\n"
+    "         switches projectors off, numbered from 1.\n"
+    "export   writes the calibration, metric and output definition files of a\n"
+    "         projector array saver in PROJECT as its setup pages save them; without\n"
+    "         --saver the project must hold exactly one such saver.\n\n"
     "The profile is read, never written. Exit 2 for bad numbers, patterns or\n"
     "formats, 1 when the file can't be written.\n";
 
@@ -63,10 +72,12 @@ struct Options {
     bool Has(const std::string& name) const { return Values.count(name) != 0; }
 };
 
-// Reads OUT and "--name value" pairs; `flags` take no value. An empty text
-// means success, otherwise it says what is wrong.
+// Reads the operand (OUT, or what `operand` names) and "--name value" pairs;
+// `flags` take no value. An empty text means success, otherwise it says what
+// is wrong.
 std::string parseOptions(const QvrCommand::Arguments& arguments, const std::vector<std::string>& names,
-                         const std::vector<std::string>& flags, Options& options) {
+                         const std::vector<std::string>& flags, Options& options,
+                         const std::string& operand = "the file to write") {
     auto listed = [](const std::vector<std::string>& list, const std::string& name) {
         return std::find(list.begin(), list.end(), name) != list.end();
     };
@@ -83,7 +94,7 @@ std::string parseOptions(const QvrCommand::Arguments& arguments, const std::vect
             options.Output = QvrSession::Absolute(name);
         }
     }
-    return options.Output.empty() ? "the file to write is missing" : std::string();
+    return options.Output.empty() ? operand + " is missing" : std::string();
 }
 
 // ---------------------------------------------------------------- metrics
@@ -107,8 +118,8 @@ int runMetrics(const QvrCommand::Arguments& arguments) {
     if (!session.Started()) return ExitUsage;
     LMetricsQuickSetup setup = LMetricsQuickSetup::Load();
     for (const auto& [name, value] : numbers)
-        if (options.Has(name) && !qvrParseLong(options.Values[name], setup.*value))
-            return usage(name + " wants a whole number, not \"" + options.Values[name] + "\"");
+        if (options.Has(name) && !qvrParseLong32(options.Values[name], setup.*value))
+            return usage(name + " wants a whole number of 32 bits, not \"" + options.Values[name] + "\"");
     LMetrics metrics;
     if (options.Has("--resolution") && !metrics.ParseResolution(options.Values["--resolution"]))
         return refuse(options.Output, EStringTable::Load(TextBadResolution));
@@ -180,6 +191,42 @@ int runOutputs(const QvrCommand::Arguments& arguments) {
     return ExitSuccess;
 }
 
+// ---------------------------------------------------------------- export
+
+// Writes one definition file if its option is given: exit 2 when the data
+// fail the check of the setup pages, 1 when the file can't be written.
+template <class Definition>
+int exportFile(const Definition& definition, const Options& options, const std::string& option) {
+    const auto file = options.Values.find(option);
+    if (file == options.Values.end()) return ExitSuccess;
+    std::string problem;
+    if (!definition.Verify(problem)) return refuse(file->second, problem);
+    if (!definition.SaveToFile(file->second, problem)) return writeFailed(file->second, problem);
+    return ExitSuccess;
+}
+
+int runExport(const QvrCommand::Arguments& arguments) {
+    Options options;
+    const std::string problem = parseOptions(
+        arguments, {"--saver", "--calibration", "--metrics", "--outputs"}, {}, options, "PROJECT");
+    if (!problem.empty()) return usage(problem);
+    for (const char* option : {"--calibration", "--metrics", "--outputs"})
+        if (options.Has(option)) options.Values[option] = QvrSession::Absolute(options.Values[option]);
+
+    QvrSession session;
+    if (!session.Started()) return ExitUsage;
+    hReportRoot report("Loading");
+    if (!session.GetApp().GetDocument().OnOpenDocument(options.Output, &report))
+        return refuse(options.Output, "the project could not be loaded");
+    const auto* saver = QvrFindSaver<isvrVitrea>("vitrea", options.Output, options.Values["--saver"],
+                                                 "projector array saver");
+    if (!saver) return ExitUsage;
+    const LConfiguration& configuration = saver->GetConfiguration();
+    int status = exportFile(configuration.Calibration, options, "--calibration");
+    status = std::max(status, exportFile(configuration.Metrics, options, "--metrics"));
+    return std::max(status, exportFile(configuration.OutputFiles, options, "--outputs"));
+}
+
 int runVitrea(const QvrCommand::Arguments& arguments) {
     if (arguments.empty()) {
         std::fputs(Help, stderr);
@@ -187,9 +234,10 @@ int runVitrea(const QvrCommand::Arguments& arguments) {
     }
     if (arguments[0] == "metrics") return runMetrics(arguments);
     if (arguments[0] == "outputs") return runOutputs(arguments);
+    if (arguments[0] == "export") return runExport(arguments);
     return usage("unknown subcommand \"" + arguments[0] + "\"");
 }
 
-QvrCommand vitrea("vitrea", "write the metric and output files of a projector array saver", Help, runVitrea);
+QvrCommand vitrea("vitrea", "write the definition files of a projector array saver", Help, runVitrea);
 
 } // namespace

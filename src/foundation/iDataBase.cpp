@@ -87,6 +87,21 @@ bool renameReplacing(const std::string& from, const std::string& to, std::string
     return false;
 }
 
+// Makes `backup` a second name of the file at `path`, which keeps its own
+// name: the new file then replaces it in one rename, so that the name never
+// goes missing, whenever the program is stopped. A file system without links
+// gets a copy. A missing file is no error.
+bool keepAsBackup(const std::string& path, const std::string& backup, std::string& error) {
+    std::error_code code;
+    if (!std::filesystem::exists(path, code)) return true;
+    std::filesystem::remove(backup, code);
+    std::filesystem::create_hard_link(path, backup, code);
+    if (code) std::filesystem::copy_file(path, backup, std::filesystem::copy_options::overwrite_existing, code);
+    if (!code) return true;
+    error = qvrErrorText::FromCode(code.value());
+    return false;
+}
+
 void showLines(const std::vector<hReportEntry>& entries, EStringId headingId, const std::string& path) {
     if (entries.empty()) return;
     EUserInterface::Get().ShowReport(qvrFormatMessage(EStringTable::Get(headingId), {path}), hReportWarning,
@@ -191,7 +206,7 @@ bool iDataBase::writeAndReplace(const std::string& path, bool withReport, hRepor
     RotateBackups(path, EPrefsDiskIO::GetBackupCnt());
     const std::string backup = path + ".bak";
     std::string error;
-    if (!renameReplacing(path, backup, error)) {
+    if (!keepAsBackup(path, backup, error)) {
         std::string text =
             qvrFormat("Cannot rename old file \"%s\" into\nbackup file \"%s\":\n%s.\n\nThe newly saved "
                       "file is now called \"%s\"\n- please rename it by hand !",

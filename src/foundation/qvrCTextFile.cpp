@@ -1,6 +1,7 @@
 #include "foundation/qvrCTextFile.h"
 
 #include "foundation/qvrCException.h"
+#include "foundation/qvrCStagedFile.h"
 
 #include <cerrno>
 #include <cstring>
@@ -9,15 +10,7 @@ namespace {
 constexpr size_t ReadBufferSize = 64 * 1024;
 
 const char* openMode(qvrCDiskTextFile::Mode mode) {
-    switch (mode) {
-    case qvrCDiskTextFile::Mode::Read:
-        return "rb";
-    case qvrCDiskTextFile::Mode::Write:
-        return "wb";
-    case qvrCDiskTextFile::Mode::Append:
-        return "ab";
-    }
-    return "rb";
+    return mode == qvrCDiskTextFile::Mode::Append ? "ab" : "rb";
 }
 
 void stripLineEnd(std::string& line) {
@@ -26,13 +19,18 @@ void stripLineEnd(std::string& line) {
 } // namespace
 
 qvrCDiskTextFile::qvrCDiskTextFile(std::string path, Mode mode) : Path(std::move(path)) {
+    if (mode == Mode::Write) {
+        Staged = std::make_unique<qvrCStagedFile>(Path);
+        File = Staged->Stream();
+        return;
+    }
     File = std::fopen(Path.c_str(), openMode(mode));
     if (!File) throw qvrCFileException(Path, errno);
     if (mode == Mode::Read) Buffer = std::make_unique<char[]>(ReadBufferSize);
 }
 
 qvrCDiskTextFile::~qvrCDiskTextFile() {
-    if (File) std::fclose(File);
+    if (File && !Staged) std::fclose(File);
 }
 
 bool qvrCDiskTextFile::fillBuffer() {
@@ -80,6 +78,10 @@ void qvrCDiskTextFile::Close() {
     if (!File) return;
     std::FILE* file = File;
     File = nullptr;
+    if (Staged) {
+        Staged->Commit();
+        return;
+    }
     bool failed = std::fflush(file) != 0;
     int error = errno;
     if (std::fclose(file) != 0 && !failed) {

@@ -2,10 +2,14 @@
 // Line-oriented text files: the two operations the tree reader and writer need
 // (read a line, write a text), on disk or in memory. Disk files throw
 // qvrCFileException on failure; callers catch it where their operation starts.
+// A disk file opened for writing takes its name only when Close succeeds (see
+// qvrCStagedFile), so that a failed or cut write leaves the old file whole.
 // One object belongs to one thread.
 
 #include <cstdio>
 #include <memory>
+
+class qvrCStagedFile;
 #include <string>
 #include <string_view>
 
@@ -37,6 +41,7 @@ private:
 
     std::string Path;
     std::FILE* File = nullptr;
+    std::unique_ptr<qvrCStagedFile> Staged; // the file being written in Write mode
     std::unique_ptr<char[]> Buffer;
     size_t BufferFill = 0;
     size_t BufferPos = 0;

@@ -159,6 +159,8 @@ const char* qvrCTreeData::BadFormatText(int code) {
         return "Garbage before start of block";
     case NameExists:
         return "An Object with that name already exists";
+    case NestedTooDeeply:
+        return "Blocks nested too deeply";
     }
     return "";
 }
@@ -172,6 +174,11 @@ void qvrCTreeData::OnLoadBadFormat(qvrCTreeDataReport* report, qvrCTextFile& fil
 
 qvrCTreeData::LoadResult qvrCTreeData::Load(qvrCTextFile& file, long& lineCounter, bool inBlock,
                                             qvrCTreeDataReport* report) {
+    return load(file, lineCounter, inBlock, report, 0);
+}
+
+qvrCTreeData::LoadResult qvrCTreeData::load(qvrCTextFile& file, long& lineCounter, bool inBlock,
+                                            qvrCTreeDataReport* report, int depth) {
     std::string line;
     while (true) {
         if (!file.ReadLine(line)) return EndOfFile;
@@ -216,12 +223,16 @@ qvrCTreeData::LoadResult qvrCTreeData::Load(qvrCTextFile& file, long& lineCounte
         Value = CollapseValue(valuePart);
         if (!blockHead) return NodeDone;
         if (report) report->OnBlockStart(file, lineCounter);
-        return loadBlock(file, lineCounter, report);
+        if (depth >= MaxNestingDepth) {
+            OnLoadBadFormat(report, file, lineCounter, NestedTooDeeply);
+            return skipBlock(file, lineCounter, report);
+        }
+        return loadBlock(file, lineCounter, report, depth);
     }
 }
 
 qvrCTreeData::LoadResult qvrCTreeData::loadBlock(qvrCTextFile& file, long& lineCounter,
-                                                 qvrCTreeDataReport* report) {
+                                                 qvrCTreeDataReport* report, int depth) {
     std::string line;
     while (true) {
         if (!file.ReadLine(line)) {
@@ -237,7 +248,7 @@ qvrCTreeData::LoadResult qvrCTreeData::loadBlock(qvrCTextFile& file, long& lineC
     while (true) {
         std::unique_ptr<qvrCTreeData> child = CreateNode("<unknown>");
         long childLine = lineCounter;
-        LoadResult result = child->Load(file, lineCounter, true, report);
+        LoadResult result = child->load(file, lineCounter, true, report, depth + 1);
         if (result == EndOfFile) {
             OnLoadBadFormat(report, file, lineCounter, UnexpectedEndOfFile);
             return EndOfFile;
@@ -245,6 +256,23 @@ qvrCTreeData::LoadResult qvrCTreeData::loadBlock(qvrCTextFile& file, long& lineC
         if (result == BlockEnd) return NodeDone;
         if (!AddChild(std::move(child))) OnLoadBadFormat(report, file, childLine, NameExists);
     }
+}
+
+// Passes over a block and everything nested in it without building nodes: the
+// node keeps its name and value, its children are dropped.
+qvrCTreeData::LoadResult qvrCTreeData::skipBlock(qvrCTextFile& file, long& lineCounter,
+                                                 qvrCTreeDataReport* report) {
+    std::string line;
+    long open = 0;
+    while (file.ReadLine(line)) {
+        ++lineCounter;
+        std::string_view text = qvrTrimLeft(line);
+        if (text.empty()) continue;
+        if (text.front() == '{') ++open;
+        if (text.front() == '}' && open > 0 && --open == 0) return NodeDone;
+    }
+    OnLoadBadFormat(report, file, lineCounter, UnexpectedEndOfFile);
+    return EndOfFile;
 }
 
 void qvrCTreeData::Save(qvrCTextFile& file, const std::string& indent, qvrCTreeDataReport* report) const {
@@ -363,8 +391,9 @@ qvrCTreeData* qvrCTreeData::GetRect(std::string_view name, CRect& value, qvrCTre
     });
 }
 
-qvrCTreeData* qvrCTreeData::GetDescriptor(std::string_view name, std::string& className, std::string& typeName,
-                                          std::string& objectName, qvrCTreeData** bad) const {
+qvrCTreeData* qvrCTreeData::GetDescriptor(std::string_view name, std::string& className,
+                                          std::string& typeName, std::string& objectName,
+                                          qvrCTreeData** bad) const {
     return getTyped(*this, name, bad, [&](const std::string& text) {
         return qvrTreeText::ToDescriptor(text, className, typeName, objectName);
     });

@@ -35,8 +35,12 @@ public:
         InvalidName = 1,
         UnexpectedEndOfFile = 2,
         GarbageBeforeBlock = 3,
-        NameExists = 4
+        NameExists = 4,
+        NestedTooDeeply = 5
     };
+    // Blocks deeper than this are skipped whole and reported, so that a hostile
+    // file cannot exhaust the reader's stack.
+    static constexpr int MaxNestingDepth = 200;
 
     explicit qvrCTreeData(std::string name = {}, std::string value = {});
     virtual ~qvrCTreeData() = default;
@@ -112,7 +116,10 @@ protected:
     virtual std::unique_ptr<qvrCTreeData> CreateNode(const std::string& name);
 
 private:
-    LoadResult loadBlock(qvrCTextFile& file, long& lineCounter, qvrCTreeDataReport* report);
+    LoadResult load(qvrCTextFile& file, long& lineCounter, bool inBlock, qvrCTreeDataReport* report,
+                    int depth);
+    LoadResult loadBlock(qvrCTextFile& file, long& lineCounter, qvrCTreeDataReport* report, int depth);
+    LoadResult skipBlock(qvrCTextFile& file, long& lineCounter, qvrCTreeDataReport* report);
 
     std::string Name;
     ChildMap Children;
@@ -127,5 +134,6 @@ std::string FromBool(bool value);
 bool ToBool(std::string_view text, bool& value);
 bool ToLongs(std::string_view text, long* values, size_t count);
 // "class/type/name": split at the first two slashes; the name must not be empty.
-bool ToDescriptor(std::string_view text, std::string& className, std::string& typeName, std::string& objectName);
+bool ToDescriptor(std::string_view text, std::string& className, std::string& typeName,
+                  std::string& objectName);
 } // namespace qvrTreeText

@@ -26,6 +26,16 @@ struct CRect {
     friend bool operator==(const CRect&, const CRect&) = default;
 };
 
+// Whether a number fits the signed 32 bits of the platform's files.
+constexpr bool qvrFitsIn32Bits(long value) {
+    return value >= -2147483647L - 1 && value <= 2147483647L;
+}
+
+inline bool qvrFitsIn32Bits(const CRect& rect) {
+    return qvrFitsIn32Bits(rect.left) && qvrFitsIn32Bits(rect.top) && qvrFitsIn32Bits(rect.right) &&
+           qvrFitsIn32Bits(rect.bottom);
+}
+
 inline CPoint operator+(CPoint a, CPoint b) {
     return {a.x + b.x, a.y + b.y};
 }

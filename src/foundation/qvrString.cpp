@@ -1,5 +1,7 @@
 #include "foundation/qvrString.h"
 
+#include "foundation/qvrGeometry.h"
+
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
@@ -124,9 +126,20 @@ template <typename Number> bool parseWhole(std::string_view text, Number& value)
 }
 } // namespace
 
-bool qvrParseLong(std::string_view text, long& value) { return parseWhole(text, value); }
+bool qvrParseLong(std::string_view text, long& value) {
+    return parseWhole(text, value);
+}
 
-bool qvrParseDouble(std::string_view text, double& value) { return parseWhole(text, value); }
+bool qvrParseLong32(std::string_view text, long& value) {
+    long read = 0;
+    if (!parseWhole(text, read) || !qvrFitsIn32Bits(read)) return false;
+    value = read;
+    return true;
+}
+
+bool qvrParseDouble(std::string_view text, double& value) {
+    return parseWhole(text, value);
+}
 
 std::string qvrFormatDouble(double value) {
     char buffer[32];

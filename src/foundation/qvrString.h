@@ -34,6 +34,9 @@ std::string_view qvrTrim(std::string_view text);
 
 // The whole text must be a decimal number with an optional sign.
 bool qvrParseLong(std::string_view text, long& value);
+// The same, refusing numbers outside the signed 32 bits that files of the
+// platform's integers hold.
+bool qvrParseLong32(std::string_view text, long& value);
 // The whole text must be a number in the C locale.
 bool qvrParseDouble(std::string_view text, double& value);
 // The shortest text that qvrParseDouble reads back as the same double.

@@ -1,6 +1,7 @@
 #include "imaging/EBinaryFile.h"
 
 #include "foundation/qvrCException.h"
+#include "foundation/qvrCStagedFile.h"
 
 #include <cerrno>
 
@@ -9,13 +10,18 @@ constexpr size_t BufferSize = 256 * 1024;
 } // namespace
 
 EBinaryFile::EBinaryFile(std::string filePath, Mode mode) : path(std::move(filePath)) {
-    file = std::fopen(path.c_str(), mode == Mode::Read ? "rb" : "wb");
-    if (!file) fail(errno);
+    if (mode == Mode::Write) {
+        staged = std::make_unique<qvrCStagedFile>(path);
+        file = staged->Stream();
+    } else {
+        file = std::fopen(path.c_str(), "rb");
+        if (!file) fail(errno);
+    }
     std::setvbuf(file, nullptr, _IOFBF, BufferSize);
 }
 
 EBinaryFile::~EBinaryFile() {
-    if (file) std::fclose(file);
+    if (file && !staged) std::fclose(file);
 }
 
 void EBinaryFile::fail(int errorCode) const {
@@ -56,5 +62,9 @@ std::int64_t EBinaryFile::GetLength() {
 void EBinaryFile::Close() {
     std::FILE* closing = file;
     file = nullptr;
+    if (staged) {
+        staged->Commit();
+        return;
+    }
     if (std::fclose(closing) != 0) fail(errno);
 }

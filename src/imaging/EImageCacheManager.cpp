@@ -233,7 +233,7 @@ std::unique_ptr<EImageData> EImageCacheManager::ReadVirtualFile(const std::strin
         if (AvailableMemory() < need) return nullptr;
     }
     EImageFileResult result;
-    std::unique_ptr<EImageData> picture = EImageFileFormat::Load(fileName, CRect(0, 0, 0, 0), result);
+    std::unique_ptr<EImageData> picture = EImageFileFormat::Load(fileName, CRect{0, 0, 0, 0}, result);
     if (!picture) {
         LogCache(ELog::LevelWarning,
                  qvrFormat("The cache manager failed to restore cached data from the file "

@@ -174,8 +174,13 @@ long EImageData::MemoryNeed(CSize size) {
     return bytes + PictureOverhead;
 }
 
+bool EImageData::IsPossibleSize(CSize size) {
+    return size.cx >= 0 && size.cy >= 0 && size.cx <= MaxPixels && size.cy <= MaxPixels &&
+           size.cx * size.cy <= MaxPixels;
+}
+
 bool EImageData::Create(long newWidth, long newHeight, Pixels pixels) {
-    if (newWidth > INT32_MAX || newHeight > INT32_MAX) return false;
+    if (!IsPossibleSize({newWidth, newHeight})) return false;
     size_t pixelCount = 0;
     if (__builtin_mul_overflow(static_cast<size_t>(newWidth), static_cast<size_t>(newHeight), &pixelCount) ||
         pixelCount > PTRDIFF_MAX / 4)
@@ -204,6 +209,12 @@ std::unique_ptr<EImageData> EImageData::CopyOfPart(const CRect& rect) const {
     for (long y = 0; y < copy->height; ++y)
         std::memcpy(copy->GetRow(y), GetRow(rect.top + y) + rect.left, static_cast<size_t>(copy->width) * 4);
     return copy;
+}
+
+void EImageData::ResetPlacement() {
+    position = {};
+    opacity = 255;
+    hasAlpha = true;
 }
 
 std::unique_ptr<EImageData> EImageData::Clone() const {

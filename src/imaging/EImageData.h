@@ -33,6 +33,11 @@ public:
     static std::unique_ptr<EImageData> NewFilled(CSize size, EImageMemory memory, std::uint32_t colour);
     // Bytes that a picture of the size costs, as the image cache counts them.
     static long MemoryNeed(CSize size);
+    // The largest picture that is ever made: 2^29 pixels, two GiB of memory,
+    // whatever a file or a setting asks for.
+    static constexpr long MaxPixels = 1L << 29;
+    // Whether a picture of the size can be made: no side negative, at most MaxPixels.
+    static bool IsPossibleSize(CSize size);
 
     EImageData(const EImageData&) = delete;
     EImageData& operator=(const EImageData&) = delete;
@@ -81,6 +86,10 @@ public:
     // Copies the source with its centre at this picture's centre plus the
     // source's position, clipped to both pictures.
     void CompositeCentred(const EImageData& source, EImageBlend blend);
+
+    // Sets position, opacity and alpha flag to the defaults of a new picture,
+    // so that the picture stands for a Clone of itself.
+    void ResetPlacement();
 
     CPoint position;
     std::uint8_t opacity = 255;

@@ -30,6 +30,15 @@ const char* fixedText(EImageFileError error) {
     return "";
 }
 
+// A file whose picture has a side of 0 is refused. Sizes too large for
+// memory are refused where pictures are made, before memory is asked for.
+bool refuseEmptyPicture(const std::string& fileName, CSize size, EImageFileResult& result) {
+    if (size.cx > 0 && size.cy > 0) return false;
+    result.Set(EImageFileError::ReadError, qvrFormat("The picture in \"%s\" is empty: %ld by %ld pixels",
+                                                     fileName.c_str(), size.cx, size.cy));
+    return true;
+}
+
 bool asksForWholePicture(const CRect& rect) {
     return rect.left == 0 && rect.top == 0 && rect.right == 0 && rect.bottom == 0;
 }
@@ -125,7 +134,8 @@ std::unique_ptr<EImageData> EImageFileFormat::Load(const std::string& fileName, 
     std::unique_ptr<EImageData> picture;
     const bool loaded = RunOnFile(fileName, EBinaryFile::Mode::Read, result, [&](auto& format, auto& file) {
         picture = format.doLoad(file, rect, result);
-        return picture != nullptr;
+        return picture &&
+               !(asksForWholePicture(rect) && refuseEmptyPicture(fileName, picture->GetSize(), result));
     });
     if (!loaded) picture.reset();
     return picture;
@@ -139,6 +149,7 @@ bool EImageFileFormat::Save(const EImageData& picture, const std::string& fileNa
 
 bool EImageFileFormat::QueryFileInfo(const std::string& fileName, EImageFileInfo& info,
                                      EImageFileResult& result) {
-    return RunOnFile(fileName, EBinaryFile::Mode::Read, result,
-                     [&](auto& format, auto& file) { return format.doQueryFileInfo(file, info, result); });
+    return RunOnFile(fileName, EBinaryFile::Mode::Read, result, [&](auto& format, auto& file) {
+        return format.doQueryFileInfo(file, info, result) && !refuseEmptyPicture(fileName, info.size, result);
+    });
 }

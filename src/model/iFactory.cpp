@@ -38,7 +38,9 @@ std::unique_ptr<iElement> iFactoryProducerType::Produce(const std::string& type,
 }
 
 iFactoryProducer* iFactoryProducerType::FindProducer(const std::string& type) const {
-    return findByName(Producers, type);
+    for (iFactoryProducer* producer : Producers)
+        if (producer->Makes(type)) return producer;
+    return nullptr;
 }
 
 void iFactoryProducerType::GlobalInit() {
@@ -63,10 +65,15 @@ void iFactoryProducerType::GlobalRem() {
 
 // ---------------------------------------------------------------- iFactoryProducer
 
-iFactoryProducer::iFactoryProducer(iFactoryProducerType& type, std::string typeName)
-    : iBase(std::move(typeName)), Type(type) {
+iFactoryProducer::iFactoryProducer(iFactoryProducerType& type, std::string typeName, std::string formerName)
+    : iBase(std::move(typeName)), Type(type), FormerName(std::move(formerName)) {
     Next = waitingProducers;
     waitingProducers = this;
+}
+
+bool iFactoryProducer::Makes(const std::string& typeName) const {
+    return qvrEqualNoCase(GetName(), typeName) ||
+           (!FormerName.empty() && qvrEqualNoCase(FormerName, typeName));
 }
 
 std::unique_ptr<iElement> iFactoryProducer::Produce(const std::string& name) {

@@ -45,8 +45,10 @@ private:
 // One concrete element class: makes elements and numbers their default names.
 class iFactoryProducer : public iBase {
 public:
-    // Hooks the producer on the process-wide list; `type` may not be constructed yet.
-    iFactoryProducer(iFactoryProducerType& type, std::string typeName);
+    // Hooks the producer on the process-wide list; `type` may not be constructed
+    // yet. A type that older files name differently is found by `formerName`
+    // too, and written by its own name.
+    iFactoryProducer(iFactoryProducerType& type, std::string typeName, std::string formerName = {});
 
     // Makes a new element outside any project. A missing or empty name
     // becomes the type's name and the next number: "Composer.3".
@@ -55,6 +57,8 @@ public:
     virtual int GetIcon() const { return 0; }
     iFactoryProducerType& GetType() const { return Type; }
     long GetCounter() const { return Counter; }
+    // Whether the producer makes the type of this name, its own or its former one.
+    bool Makes(const std::string& typeName) const;
 
     // Enters every producer in its class type's list.
     static void GlobalInit();
@@ -66,6 +70,7 @@ protected:
 
 private:
     iFactoryProducerType& Type;
+    std::string FormerName;
     long Counter = 0;
     iFactoryProducer* Next = nullptr;
 };
@@ -73,8 +78,9 @@ private:
 // The producer of class T, which has a constructor from the element's name.
 template <class T> class iFactoryProducerOf : public iFactoryProducer {
 public:
-    iFactoryProducerOf(iFactoryProducerType& type, std::string typeName, int icon = 0)
-        : iFactoryProducer(type, std::move(typeName)), Icon(icon) {}
+    iFactoryProducerOf(iFactoryProducerType& type, std::string typeName, int icon = 0,
+                       std::string formerName = {})
+        : iFactoryProducer(type, std::move(typeName), std::move(formerName)), Icon(icon) {}
     int GetIcon() const override { return Icon; }
 
 protected:

@@ -11,7 +11,8 @@
 
 #include <algorithm>
 
-iFactoryProducerOf<imodCrop> imodCrop::Producer(iModifier::ClassType, "Cropper");
+// Projects of earlier versions name the type "Cropper".
+iFactoryProducerOf<imodCrop> imodCrop::Producer(iModifier::ClassType, "Crop", 0, "Cropper");
 
 namespace {
 

@@ -275,8 +275,12 @@ bool isrcSequence::renderFile(EImage& image, iRenderResult& result, const iRende
         shown = IntersectRectClamped(shown, WholeRect(aspectSize));
     }
     const CSize shownSize{shown.Width(), shown.Height()};
-    // The aspect becomes pixels here; a picture that has the size already stays as it is.
-    if (part.FullSize && !hasZero(picture->GetSize()) && picture->GetSize() != shownSize) {
+    // The aspect becomes pixels here. A picture that has the size already is
+    // kept instead of copied, with what a copy would have: the default
+    // position and opacity.
+    if (part.FullSize && !hasZero(picture->GetSize()) && picture->GetSize() == shownSize) {
+        picture->ResetPlacement();
+    } else if (part.FullSize && !hasZero(picture->GetSize())) {
         picture = picture->Resized(shownSize, EImageFilter::Fast);
         if (!picture) {
             qvrTraceVerbose(

@@ -1,6 +1,7 @@
 #include "output/EImageOutputStream.h"
 
 #include "foundation/EStringTable.h"
+#include "foundation/qvrCException.h"
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 
@@ -84,6 +85,19 @@ void EImageOutputError::Set(long cause, long osError, std::string text) {
 
 void EImageOutputError::SetOsError(long osError, std::string text) {
     Set(CauseOfOsError(osError), osError, std::move(text));
+}
+
+std::string EImageOutputError::Describe() const {
+    switch (OsError) {
+    case 0:
+    case OutputErrorInvalidHandle:
+    case OutputErrorOutOfMemory:
+    case OutputErrorBadFormat:
+    case OutputErrorCannotMake:
+    case OutputErrorInvalidName:
+        return Text;
+    }
+    return Text + ": " + qvrErrorText::FromCode(OsError);
 }
 
 long EImageOutputError::CauseOfOsError(long osError) {

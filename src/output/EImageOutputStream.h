@@ -62,6 +62,9 @@ struct EImageOutputError {
     void SetOsError(long osError, std::string text);
     // The cause that an operating-system error (errno, or one of the codes above) stands for.
     static long CauseOfOsError(long osError);
+    // The text for people: the record's text and, for an error that a system
+    // call reported, the system's reason ("x.bmp: No space left on device").
+    std::string Describe() const;
 };
 
 // The abstract parameter set of a stream, made by the stream's CreateSetup.

@@ -93,7 +93,7 @@ bool EImageOutputMovieWriter::Write(const EImageData& image, long, EImageOutputE
         return false;
     }
     if (avi->Write(image)) return true;
-    error.SetOsError(OutputErrorCannotMake, avi->GetFileName());
+    error.SetOsError(OutputErrorCannotMake, avi->GetFileName() + ": " + avi->GetErrorText());
     return false;
 }
 

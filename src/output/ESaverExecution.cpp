@@ -121,6 +121,10 @@ bool ESaverExecution::GetWarningsOnly() const {
     return Messages->WarningsOnly;
 }
 
+std::uint32_t ESaverExecution::GetSaveFailures() {
+    return Work ? Work->GetSaveFailures() : 0;
+}
+
 void ESaverExecution::GetCounts(std::uint32_t& total, std::uint32_t& done, std::uint32_t& failed,
                                 std::uint32_t& remaining) {
     total = done = failed = remaining = 0;

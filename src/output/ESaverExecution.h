@@ -111,6 +111,8 @@ public:
     const std::string& GetLogFile() const { return LogFile; }
     void GetCounts(std::uint32_t& total, std::uint32_t& done, std::uint32_t& failed,
                    std::uint32_t& remaining);
+    // Frames whose pictures could not be written, however the run counted them.
+    std::uint32_t GetSaveFailures();
 
     // Elapsed and remaining whole seconds; false before the run has started.
     bool GetTimes(long& elapsed, long& remaining);

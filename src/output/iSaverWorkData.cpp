@@ -36,6 +36,7 @@ void iSaverWorkData::resetRun(std::uint32_t total) {
     Total = total;
     Done = 0;
     Failed = 0;
+    SaveFailures = 0;
     Remaining = total;
 }
 
@@ -163,6 +164,18 @@ void iSaverWorkData::GetCounts(std::uint32_t& total, std::uint32_t& done, std::u
     done = Done;
     failed = Failed;
     remaining = Remaining;
+}
+
+void iSaverWorkData::SaveFailed() {
+    qvrCSingleLock progress(ProgressLock);
+    progress.Lock();
+    ++SaveFailures;
+}
+
+std::uint32_t iSaverWorkData::GetSaveFailures() {
+    qvrCSingleLock progress(ProgressLock);
+    progress.Lock();
+    return SaveFailures;
 }
 
 iSaverWorkData::TimesState iSaverWorkData::GetTimes(std::time_t& start, long& elapsed, long& remaining,

@@ -67,6 +67,10 @@ public:
     void ThreadEnded(unsigned index);
     void GetCounts(std::uint32_t& total, std::uint32_t& done, std::uint32_t& failed,
                    std::uint32_t& remaining);
+    // Counts a frame whose picture could not be written. A bad-frame policy
+    // may count the frame itself as done; this count stays apart from it.
+    void SaveFailed();
+    std::uint32_t GetSaveFailures();
     // Start time, and elapsed, remaining and total seconds of the run.
     TimesState GetTimes(std::time_t& start, long& elapsed, long& remaining, long& total);
     void Report(unsigned index, const std::string& text, int level);
@@ -115,4 +119,5 @@ private:
     std::uint32_t Done = 0;
     std::uint32_t Failed = 0;
     std::uint32_t Remaining = 0;
+    std::uint32_t SaveFailures = 0;
 };

@@ -83,7 +83,7 @@ bool isvrSaverThreadRenderer::Loop::initialise() {
     if (SharedHandle) return true;
     OwnHandle = std::make_unique<EImageOutputHandle>(*Work.GetStream());
     if (!OwnHandle->Open(Work.GetFileName(), size, Setup.get(), Work.GetRate(), Work.GetRateStep())) {
-        report(qvrFormat("Failed to open stream: %s.", OwnHandle->GetLastError().Text.c_str()),
+        report(qvrFormat("Failed to open stream: %s.", OwnHandle->GetLastError().Describe().c_str()),
                isvrSaverRunWindow::LevelError);
         return false;
     }
@@ -168,8 +168,9 @@ bool isvrSaverThreadRenderer::Loop::saveFrame(std::uint32_t frame) {
     report(qvrFormatMessage("Saving frame %1!ld!.", {number}), isvrSaverRunWindow::LevelInformation);
     EImageOutputError error;
     if (handle->Write(*Picture, number, &error)) return true;
+    Work.SaveFailed();
     report(qvrFormatMessage("Failed to save frame %1!ld! to \"%2\": %3.",
-                            {number, Work.GetFileName(), error.Text}),
+                            {number, Work.GetFileName(), error.Describe()}),
            isvrSaverRunWindow::LevelError);
     return !Work.GetStopOnError();
 }

@@ -93,7 +93,7 @@ void isvrSaverWorkData::prepareRun(std::uint32_t& threadCount, std::uint32_t fir
 void isvrSaverWorkData::openSharedHandle() {
     auto handle = std::make_shared<EImageOutputHandle>(*Stream);
     if (!handle->Open(FileName, FrameSize, Setup.get(), Rate, RateStep))
-        throw qvrCException(handle->GetLastError().Text);
+        throw qvrCException(handle->GetLastError().Describe());
     SharedHandle = std::move(handle);
 }
 

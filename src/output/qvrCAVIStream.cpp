@@ -4,6 +4,7 @@
 #include "foundation/EStringTable.h"
 #include "foundation/qvrCException.h"
 #include "foundation/qvrString.h"
+#include "foundation/qvrTrace.h"
 #include "imaging/EBinaryFile.h"
 #include "imaging/EImageData.h"
 
@@ -17,6 +18,7 @@ extern "C" {
 #include <algorithm>
 #include <climits>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -138,10 +140,12 @@ bool qvrCAVIStream::Open(const std::string& name, const Options* options, CSize 
     rateStep = newRateStep;
     frameSize = size;
     frameCount = 0;
+    writeFailed = false;
     if (!TestPath()) return false;
     if (rate == 0 || rateStep == 0 || rate > INT_MAX || rateStep > INT_MAX || size.cx <= 0 || size.cy <= 0)
         return Fail(StatusBadParam);
-    if (!CreateContainer() || !CreateVideoStream(options) || !OnOpen() || !WriteHeader()) {
+    if (!CreateContainer() || !CreateVideoStream(options) || !OnOpen() || !WriteHeader() ||
+        !FlushWholeFrames()) {
         Release();
         return false;
     }
@@ -152,11 +156,16 @@ bool qvrCAVIStream::Open(const std::string& name, const Options* options, CSize 
 bool qvrCAVIStream::Write(const EImageData& image) {
     if (!open) return Fail(StatusBadHandle);
     if (image.GetSize() != frameSize) return Fail(StatusBadSize);
+    // The muxer can't go on after a failed write: the status of that failure stands.
+    if (writeFailed) return false;
     const bool written = encoder ? WriteEncoded(&image)
                                  : WriteData(*videoStream, image.GetBits(),
                                              static_cast<size_t>(image.GetBytesPerLine() * image.GetHeight()),
                                              static_cast<int64_t>(frameCount), 1, videoStream->time_base);
-    if (!written) return false;
+    if (!written || !FlushWholeFrames()) {
+        writeFailed = writeFailed || status == StatusFileWrite;
+        return false;
+    }
     const auto firstSample = static_cast<long>(frameCount * rateStep);
     if (!OnFrameWritten(firstSample, static_cast<long>(rateStep))) return false;
     ++frameCount;
@@ -170,7 +179,10 @@ bool qvrCAVIStream::Close() {
     bool finished = true;
     if (open) {
         open = false;
-        if (encoder) finished = WriteEncoded(nullptr);
+        if (writeFailed)
+            CutToWholeFrames();
+        else if (encoder)
+            finished = WriteEncoded(nullptr);
         const int result = av_write_trailer(container);
         if (result < 0 && finished) finished = Fail(statusOf(result, StatusFileWrite));
     }
@@ -326,6 +338,31 @@ bool qvrCAVIStream::DrainEncoder() {
         packet->stream_index = videoStream->index;
         if (!WritePacket(*packet, encoder->time_base)) return false;
     }
+}
+
+bool qvrCAVIStream::FlushWholeFrames() {
+    AVIOContext* file = container->pb;
+    avio_flush(file);
+    if (file->error < 0) {
+        writeFailed = true;
+        return Fail(StatusFileWrite,
+                    StatusText(StatusFileWrite) + ": " + qvrErrorText::FromCode(AVUNERROR(file->error)));
+    }
+    wholeFramesEnd = avio_tell(file);
+    return true;
+}
+
+void qvrCAVIStream::CutToWholeFrames() {
+    AVIOContext* file = container->pb;
+    // What the buffer still holds of the failed frame is dropped unwritten.
+    file->buf_ptr = file->buffer;
+    file->buf_ptr_max = file->buffer;
+    file->error = 0;
+    avio_seek(file, wholeFramesEnd, SEEK_SET);
+    file->error = 0;
+    if (::truncate(fileName.c_str(), wholeFramesEnd) != 0)
+        qvrTrace("*** WARNING[qvrCAVIStream::CutToWholeFrames()]: Can't cut \"%s\" to its whole frames.\n",
+                 fileName.c_str());
 }
 
 void qvrCAVIStream::Release() {

@@ -131,6 +131,11 @@ private:
     bool WritePacket(AVPacket& packet, const AVRational& timeBase);
     bool WriteEncoded(const EImageData* image);
     bool DrainEncoder();
+    // Flushes what is written; false, with the status set, when the file refuses it.
+    bool FlushWholeFrames();
+    // After a failed write: drops what the file holds of the failed frame, so
+    // that the index can follow the frames before it.
+    void CutToWholeFrames();
     void Release();
 
     long status = StatusOK;
@@ -146,5 +151,7 @@ private:
     AVFrame* encoderFrame = nullptr;
     unsigned long frameCount = 0;
     bool open = false;
+    bool writeFailed = false;        // a frame could not be written: the movie ends before it
+    std::int64_t wholeFramesEnd = 0; // where the last frame written whole ends in the file
     std::vector<std::uint8_t> zeros;
 };

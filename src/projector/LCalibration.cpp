@@ -19,12 +19,14 @@ constexpr const char* KeyProjector = "Projector";
 constexpr const char* ReaderHeading = "Projector Calibration";
 constexpr const char* KeyTestImageSize = "ProjectorTestImageSize";
 
-// A size value of the file: a whole number that fits 32 bits without a sign.
+// Whether a size value fits 32 bits without a sign.
+bool isSide(long value) {
+    return value >= 0 && value <= static_cast<long>(std::numeric_limits<std::uint32_t>::max());
+}
+
 void readSide(std::string_view text, std::uint32_t& side) {
     long value = 0;
-    if (qvrParseLong(text, value) && value >= 0 &&
-        value <= static_cast<long>(std::numeric_limits<std::uint32_t>::max()))
-        side = static_cast<std::uint32_t>(value);
+    if (qvrParseLong(text, value) && isSide(value)) side = static_cast<std::uint32_t>(value);
 }
 
 std::string projectorKey(std::size_t projector) {
@@ -97,7 +99,7 @@ void LCalibration::Load(const qvrCTreeData& section, hReport& report) {
 
 void LCalibration::loadBlock(const qvrCTreeData& block, hReport& report) {
     CSize size;
-    if (!block.GetSize(KeyTestImageSize, size) || size.cx < 0 || size.cy < 0) {
+    if (!block.GetSize(KeyTestImageSize, size) || !isSide(size.cx) || !isSide(size.cy)) {
         report.Report("Can't read 'ProjectorTestImageSize' - stopping loading", hReportError);
         return;
     }

@@ -11,6 +11,7 @@ namespace {
 
 constexpr EStringId textNegativeWindow = 65032;
 constexpr EStringId textEmptyWindow = 65033;
+constexpr EStringId textWindowTooLarge = 65091;
 constexpr EStringId textResolutionTooSmall = 65062;
 
 constexpr const char* FileHeader = "# qvrTessarine Vitrea:18 saver metric file\n"
@@ -31,6 +32,15 @@ void readResolution(std::string_view text, double& resolution) {
 
 std::string windowKey(std::size_t window) {
     return qvrFormat("Window#%02ld", static_cast<long>(window + 1));
+}
+
+// An edge in metric units as pixels, truncated; false when the pixel number
+// leaves the 32 bits that a window holds.
+bool toPixels(long units, double resolution, long& pixels) {
+    const double scaled = static_cast<double>(units) * resolution;
+    if (!(scaled > -2147483649.0 && scaled < 2147483648.0)) return false;
+    pixels = static_cast<long>(scaled);
+    return true;
 }
 
 std::string windowText(EStringId textId, std::size_t window) {
@@ -111,7 +121,11 @@ void LMetrics::Load(const qvrCTreeData& section, hReport& report) {
 void LMetrics::loadBlock(const qvrCTreeData& block, hReport& report) {
     loadResolution(block, report);
     for (std::size_t window = 0; window < ProjectorCount; ++window) {
-        if (block.GetRect(windowKey(window), Windows[window])) continue;
+        CRect read;
+        if (block.GetRect(windowKey(window), read) && qvrFitsIn32Bits(read)) {
+            Windows[window] = read;
+            continue;
+        }
         report.Report(qvrFormatMessage("Bad or no data for window #%1!ld!", {static_cast<long>(window + 1)}),
                       hReportError);
     }
@@ -156,16 +170,21 @@ bool LMetrics::DerivePixelWindows() {
     clearPixelWindows();
     if (ResolutionX <= MinDerivableResolution || ResolutionY <= MinDerivableResolution) return false;
     CRect bounds;
-    for (const CRect& window : Windows)
+    for (const CRect& window : Windows) {
+        if (!qvrFitsIn32Bits(window)) return false;
         bounds = UnionRect(bounds, window);
+    }
     if (bounds.IsRectEmpty()) return false;
     for (std::size_t index = 0; index < ProjectorCount; ++index) {
         const CRect& window = Windows[index];
         CRect& pixels = PixelWindows[index];
-        pixels.left = static_cast<long>(static_cast<double>(window.left - bounds.left) * ResolutionX);
-        pixels.top = static_cast<long>(static_cast<double>(window.top - bounds.top) * ResolutionY);
-        pixels.right = static_cast<long>(static_cast<double>(window.right - bounds.left) * ResolutionX);
-        pixels.bottom = static_cast<long>(static_cast<double>(window.bottom - bounds.top) * ResolutionY);
+        if (!toPixels(window.left - bounds.left, ResolutionX, pixels.left) ||
+            !toPixels(window.top - bounds.top, ResolutionY, pixels.top) ||
+            !toPixels(window.right - bounds.left, ResolutionX, pixels.right) ||
+            !toPixels(window.bottom - bounds.top, ResolutionY, pixels.bottom)) {
+            clearPixelWindows();
+            return false;
+        }
         TotalWidth = std::max(TotalWidth, pixels.right);
         TotalHeight = std::max(TotalHeight, pixels.bottom);
     }
@@ -186,6 +205,10 @@ bool LMetrics::Verify(std::string& problem) const {
         }
         if (Windows[window].IsRectEmpty()) {
             problem = EmptyWindowText(window);
+            return false;
+        }
+        if (!qvrFitsIn32Bits(Windows[window])) {
+            problem = windowText(textWindowTooLarge, window);
             return false;
         }
     }

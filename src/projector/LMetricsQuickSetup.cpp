@@ -35,8 +35,10 @@ bool isBelow(long a, long b) {
 LMetricsQuickSetup LMetricsQuickSetup::Load() {
     const qvrCRegKey key = openProfile();
     LMetricsQuickSetup setup;
-    for (const Entry& entry : entries)
-        setup.*entry.value = key.GetLong(entry.key, setup.*entry.value);
+    for (const Entry& entry : entries) {
+        const long value = key.GetLong(entry.key, setup.*entry.value);
+        if (qvrFitsIn32Bits(value)) setup.*entry.value = value;
+    }
     return setup;
 }
 

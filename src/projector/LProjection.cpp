@@ -3,6 +3,7 @@
 #include "foundation/qvrTrace.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -79,20 +80,27 @@ bool LProjection::Prepare(const LCorners& corners, CSize sourceSize) {
     LastColumn = sourceSize.cx - 1;
     LastRow = sourceSize.cy - 1;
 
-    const CPoint& p0 = corners[0];
-    const CPoint e1{corners[3].x - p0.x, corners[3].y - p0.y};
-    const CPoint e2{corners[2].x - corners[3].x, corners[2].y - corners[3].y};
-    const CPoint e3{corners[1].x - p0.x, corners[1].y - p0.y};
-    const CPoint d{e2.x - e3.x, e2.y - e3.y};
-    auto stored = [](long value) { return static_cast<double>(value); };
-    Direct = {stored(p0.x),  stored(p0.y), stored(e1.y * d.x - e1.x * d.y),
-              stored(d.y),   stored(-d.x), stored(e1.y * e3.x - e1.x * e3.y),
-              stored(-e1.x), stored(d.x),  stored(e3.y),
-              stored(e3.x)};
-    Swapped = {stored(p0.y),  stored(p0.x), stored(e1.x * d.y - e1.y * d.x),
-               stored(d.x),   stored(-d.y), stored(e1.x * e3.y - e1.y * e3.x),
-               stored(-e1.y), stored(d.y),  stored(e3.x),
-               stored(e3.y)};
+    // The differences and products are taken in doubles: they are exact for
+    // corners of any real picture, and corners near the ends of 32 bits can't
+    // overflow them.
+    auto at = [&corners](std::size_t corner) {
+        return std::array<double, 2>{static_cast<double>(corners[corner].x),
+                                     static_cast<double>(corners[corner].y)};
+    };
+    const auto p0 = at(0);
+    const auto p1 = at(1);
+    const auto p2 = at(2);
+    const auto p3 = at(3);
+    const double e1x = p3[0] - p0[0], e1y = p3[1] - p0[1];
+    const double e3x = p1[0] - p0[0], e3y = p1[1] - p0[1];
+    const double dx = (p2[0] - p3[0]) - e3x, dy = (p2[1] - p3[1]) - e3y;
+    Direct = {p0[0], p0[1], e1y * dx - e1x * dy, dy, -dx, e1y * e3x - e1x * e3y, -e1x, dx, e3y, e3x};
+    Swapped = {p0[1], p0[0], e1x * dy - e1y * dx, dx, -dy, e1x * e3y - e1y * e3x, -e1y, dy, e3x, e3y};
+    // Adding zero turns a negative zero into the zero that whole numbers give.
+    for (double& coefficient : Direct)
+        coefficient += 0.0;
+    for (double& coefficient : Swapped)
+        coefficient += 0.0;
     if (std::fabs(Direct[7]) < Epsilon) Direct[7] = 0.0;
     if (std::fabs(Direct[9]) < Epsilon) Direct[9] = 0.0;
     SwapFirst = Direct[7] == 0.0 && Direct[9] == 0.0;

@@ -61,7 +61,7 @@ bool LVitrea::ParseNumbers(std::string_view text, char separator, long* values, 
     const std::vector<std::string> parts = qvrSplit(text, separator);
     if (parts.size() != count) return false;
     for (std::size_t i = 0; i < count; ++i)
-        if (!qvrParseLong(qvrTrim(parts[i]), values[i])) return false;
+        if (!qvrParseLong32(qvrTrim(parts[i]), values[i])) return false;
     return true;
 }
 

@@ -137,7 +137,7 @@ bool isvrVitreaThreadRenderer::Loop::prepare() {
     Handle = std::make_unique<EImageOutputHandle>(*stream);
     if (!Handle->Open(Configuration.OutputFiles.GetOutputName(Current), TargetSize, Setup.get(),
                       Work.GetRate(), Work.GetRateStep())) {
-        report(qvrFormat("Failed to open stream: %s.", Handle->GetLastError().Text.c_str()), Error);
+        report(qvrFormat("Failed to open stream: %s.", Handle->GetLastError().Describe().c_str()), Error);
         Handle.reset();
         return false;
     }
@@ -176,7 +176,7 @@ void isvrVitreaThreadRenderer::Loop::closeStream() {
     report("Closing output stream.", Information);
     if (!Handle->Close())
         report(qvrFormatMessage("Failed to close stream successfully: %1 - stream might be incomplete.",
-                                {Handle->GetLastError().Text}),
+                                {Handle->GetLastError().Describe()}),
                Error);
     Handle.reset();
     Source.reset();
@@ -241,8 +241,9 @@ bool isvrVitreaThreadRenderer::Loop::saveFrame(std::uint32_t frame) {
     if (!Handle || !Target) end("*** INTERNAL ERROR (isvrVitreaThreadRenderer::saveImage) ***");
     EImageOutputError error;
     if (Handle->Write(*Target, static_cast<long>(frame), &error)) return true;
+    Work.SaveFailed();
     report(qvrFormatMessage("Failed to save frame %1!ld! to \"%2\": %3.",
-                            {static_cast<long>(frame), Handle->GetFileName(), error.Text}),
+                            {static_cast<long>(frame), Handle->GetFileName(), error.Describe()}),
            Error);
     return false;
 }

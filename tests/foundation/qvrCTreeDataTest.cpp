@@ -150,6 +150,27 @@ TEST(TreeData, BinaryGarbageNeverStopsTheReader) {
     SUCCEED();
 }
 
+TEST(TreeData, DeeplyNestedBlocksAreCutAtTheLimitAndReportedWithTheirLine) {
+    const int levels = 5000;
+    std::string text;
+    for (int i = 0; i < levels; ++i)
+        text += "N =\n{\n";
+    for (int i = 0; i < levels; ++i)
+        text += "}\n";
+    text = "Root =\n{\n" + text + " After := 1\n}\n";
+    qvrCTreeData root;
+    RecordingReport report;
+    EXPECT_EQ(loadFromText(text, root, &report), qvrCTreeData::NodeDone);
+    ASSERT_EQ(report.problems.size(), 1u);
+    EXPECT_EQ(report.problems[0].code, qvrCTreeData::NestedTooDeeply);
+    EXPECT_EQ(report.problems[0].line, 2 * qvrCTreeData::MaxNestingDepth + 1);
+    EXPECT_EQ(*root.GetText("After"), "1") << "reading goes on after the skipped block";
+    int depth = 0;
+    for (const qvrCTreeData* node = root.Find("N"); node; node = node->Find("N"))
+        ++depth;
+    EXPECT_EQ(depth, qvrCTreeData::MaxNestingDepth);
+}
+
 TEST(TreeData, TypedValuesRoundTripAndBadOnesAreHandedBack) {
     qvrCTreeData node("Node");
     node.SetLong("int", -42);

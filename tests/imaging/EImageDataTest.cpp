@@ -48,6 +48,10 @@ TEST(ImageData, NewRetriesOnceAfterTheCacheFreedMemory) {
                   "2147483647x2147483647 bitmap missing.\n"}));
     EXPECT_FALSE(EImageData::New({INT32_MAX, INT32_MAX}, EImageMemory::NoFreeing));
     EXPECT_EQ(cache.freeRequests.size(), 1u);
+    // 32 GiB for one window of a projector array: refused before memory is asked for.
+    EXPECT_FALSE(EImageData::New({INT32_MAX, 4}, EImageMemory::NoFreeing));
+    EXPECT_TRUE(EImageData::IsPossibleSize({1L << 15, 1L << 14}));
+    EXPECT_FALSE(EImageData::IsPossibleSize({1L << 15, (1L << 14) + 1}));
 }
 
 TEST(ImageData, ExtractTakesRectanglesUpToTheEdgeOnly) {

@@ -178,6 +178,13 @@ TEST(TgaFormat, BrokenFilesFailWithoutTakingMemory) {
         EXPECT_EQ(loadTga(bytes, result), nullptr) << bytes.size();
         EXPECT_EQ(result.text, "Error while reading file");
     }
+    Bytes empty = good;
+    empty[12] = empty[13] = 0; // 0 by 2
+    EImageFileResult refused;
+    EXPECT_EQ(loadTga(empty, refused), nullptr);
+    EXPECT_EQ(refused.text, "The picture in \"" + ScratchFile("picture.tga") + "\" is empty: 0 by 2 pixels");
+    EImageFileInfo info;
+    EXPECT_FALSE(EImageFileFormat::QueryFileInfo(ScratchFile("picture.tga"), info, refused));
     TraceCapture trace;
     EImageFileResult result;
     loadTga(unknownType, result);

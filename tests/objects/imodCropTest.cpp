@@ -132,10 +132,13 @@ TEST(imodCrop, FailuresOfTheParentAndNegativeSizesGiveTheirCodes) {
 
 TEST(imodCrop, FactoryMakesItAndColourAndFormAreSaved) {
     iFactoryProducerType::GlobalInit();
-    std::unique_ptr<iElement> element = iFactory::Get().Produce("Modifier", "Cropper", "");
+    std::unique_ptr<iElement> element = iFactory::Get().Produce("Modifier", "Crop", "");
+    std::unique_ptr<iElement> former = iFactory::Get().Produce("Modifier", "Cropper", "Old");
     iFactoryProducerType::GlobalRem();
     auto* crop = dynamic_cast<imodCrop*>(element.get());
     ASSERT_NE(crop, nullptr);
+    EXPECT_NE(dynamic_cast<imodCrop*>(former.get()), nullptr) << "the type's former name is read";
+    EXPECT_EQ(crop->GetName().rfind("Crop.", 0), 0u);
     for (const char* name : {"Width", "Heigth", "Center X", "Center Y"})
         EXPECT_NE(FindValue(*crop, name), nullptr);
     EXPECT_EQ(crop->GetCropSize(0), (EImageSize{720, 576}));

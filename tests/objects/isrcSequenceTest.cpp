@@ -129,6 +129,21 @@ TEST_F(FootageTest, MissingFileFailsItsFrameByNameAndTheNextFrameRenders) {
     EXPECT_TRUE(render(6));
 }
 
+TEST_F(FootageTest, FullSizeFramesComeWithoutTheQuickFilesPositionAndOpacity) {
+    auto placed = colour(6, 4, 7);
+    placed->position = {3, -2};
+    placed->opacity = 100;
+    save(*placed, "placed.qts");
+    sequence.SetFile(EFileGroupSetup::SingleFile(footage, "placed.qts"), false);
+    ASSERT_TRUE(render(0));
+    EImageLock lock(image);
+    lock.Lock(-1);
+    ASSERT_NE(lock.GetData(), nullptr);
+    EXPECT_EQ(lock.GetData()->position, CPoint{});
+    EXPECT_EQ(lock.GetData()->opacity, 255);
+    EXPECT_TRUE(lock.GetData()->HasAlpha());
+}
+
 TEST_F(FootageTest, AspectStretchesTheWidthOfSizeAndPicture) {
     auto columns = qvrTest::MakeNoise(720, 2, 5);
     save(*columns, "wide.qts");

@@ -90,7 +90,9 @@ TEST_F(CalibrationFile, DamagedLinesLeaveTheirFieldsCleared) {
                                                     " Projector = 02: 1;2;3;4;5;6;7;8;9\n"
                                                     " Projector = 03 1;2;3;4;5;6;7;8\n"
                                                     " Projector = xx: 1;2;3;4;5;6;7;8\n"
-                                                    "Projector 04: 1;2;3;4;5;6;7;8\n");
+                                                    "Projector 04: 1;2;3;4;5;6;7;8\n"
+                                                    " Projector = 05: 2147483648;2;3;4;5;6;7;8\n"
+                                                    " Projector = 06: 1;2;3;4;5;6;7;-2147483649\n");
     LCalibration read = sampleCalibration();
     std::string problem;
     ASSERT_TRUE(read.LoadFromFile(path, problem));

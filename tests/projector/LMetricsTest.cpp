@@ -138,6 +138,39 @@ TEST(PixelWindows, NeedAResolutionAboveATenthAndSomeArea) {
     EXPECT_FALSE(LMetrics().DerivePixelWindows());
 }
 
+TEST(PixelWindows, NumbersBeyondThirtyTwoBitsDeriveNothing) {
+    LMetrics metrics = sampleMetrics();
+    metrics.Windows[3] = {-9223372036854775807L, 0, 9223372036854775807L, 10};
+    EXPECT_FALSE(metrics.DerivePixelWindows()) << "a window that no file can hold";
+    metrics = sampleMetrics();
+    metrics.Windows[3] = {-2147483647L - 1, 0, 2147483647L, 10};
+    EXPECT_FALSE(metrics.DerivePixelWindows()) << "pixels beyond 32 bits from the bounding corner";
+    EXPECT_EQ(metrics.TotalWidth, -1);
+    metrics.Windows[3] = {50, 0, 2147483647L, 10};
+    metrics.ResolutionX = 1.0;
+    EXPECT_TRUE(metrics.DerivePixelWindows());
+    EXPECT_EQ(metrics.TotalWidth, 2147483597L);
+    std::string problem;
+    metrics.Windows[3] = {0, 0, 2147483648L, 10};
+    EXPECT_FALSE(metrics.Verify(problem));
+    EXPECT_NE(problem.find("window #4"), std::string::npos) << problem;
+}
+
+TEST_F(MetricFile, WindowsBeyondThirtyTwoBitsAreNotRead) {
+    const std::string path = qvrTest::WriteTextFile(scratch, "wide.vtmt",
+                                                    " Resolution/X = 1\n"
+                                                    " Resolution/Y = 1\n"
+                                                    " Window = 00: 0;0;9223372036854775807;10\n"
+                                                    " Window = 01: 0;0;2147483648;10\n"
+                                                    " Window = 02: -2147483648;0;2147483647;10\n");
+    LMetrics read;
+    std::string problem;
+    ASSERT_TRUE(read.LoadFromFile(path, problem));
+    EXPECT_EQ(read.Windows[0], CRect{});
+    EXPECT_EQ(read.Windows[1], CRect{});
+    EXPECT_EQ(read.Windows[2], (CRect{-2147483647L - 1, 0, 2147483647L, 10}));
+}
+
 TEST(MetricsBlock, ReadsBackWhatWasSaved) {
     qvrCTreeData saver("Saver");
     sampleMetrics().Save(saver);
@@ -179,13 +212,14 @@ TEST(MetricsBlock, ReportsWhatItCannotRead) {
     block->SetText("ResolutionX", "fast");
     block->RemoveChild(block->Find("ResolutionY"));
     block->SetText("Window#03", "1,2,3");
+    block->SetText("Window#04", "0,0,9223372036854775807,10");
     read.Load(saver, report);
     EXPECT_EQ(qvrTest::ReportLines(report),
               (std::vector<std::string>{
                   "2: Can't find section 'OutputMetrics'",
                   "2: The entry 'ResolutionX' is not been found or invalid - using a x-resolution of 1",
                   "2: The entry 'ResolutionY' is not been found or invalid - using a y-resolution of 1",
-                  "2: Bad or no data for window #3"}));
+                  "2: Bad or no data for window #3", "2: Bad or no data for window #4"}));
     EXPECT_EQ(report.GetEntries().front().Path, "Load/Building metrics");
     EXPECT_DOUBLE_EQ(read.ResolutionX, 1.0);
     EXPECT_EQ(read.Windows[2], sampleMetrics().Windows[2]);

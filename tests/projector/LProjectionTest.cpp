@@ -70,6 +70,18 @@ TEST(LProjection, PrepareSetsBothCoefficientBlocksAndNeedsASourceOfThreeByThree)
     EXPECT_FALSE(projection.IsReady()) << "a filter level below 0.1";
 }
 
+TEST(LProjection, CornersAtTheEndsOfThirtyTwoBitsPrepareWithoutOverflow) {
+    const long low = -2147483647L - 1;
+    const long high = 2147483647L;
+    LProjection projection;
+    ASSERT_TRUE(projection.Prepare(
+        {CPoint{low, low}, CPoint{high, low}, CPoint{low, high}, CPoint{high, high}}, {10, 10}));
+    double u = 0.0;
+    double v = 0.0;
+    projection.Solve(0.0, 0.0, false, u, v);
+    SUCCEED() << "the sanitizers see no overflow";
+}
+
 TEST(LProjection, SolveInvertsThePatchInBothBranches) {
     LProjection projection = PreparedProjection(Slanted, {11, 11});
     double u = 0;
@@ -116,8 +128,8 @@ TEST(LProjection, EveryPointOfConvexPatchesSolvesBackToItsPatchCoordinates) {
 
 TEST(LProjection, CornersGoingRoundTheOtherWayTransposeThroughTheSwappedForm) {
     // P0 to P1 runs down: the direct form has no u term and the swapped one goes first.
-    LProjection projection = PreparedProjection({CPoint{0, 0}, CPoint{0, 9}, CPoint{9, 9}, CPoint{9, 0}}, {10, 10},
-                                      LProjection::FilterNearest);
+    LProjection projection = PreparedProjection({CPoint{0, 0}, CPoint{0, 9}, CPoint{9, 9}, CPoint{9, 0}},
+                                                {10, 10}, LProjection::FilterNearest);
     EXPECT_TRUE(projection.GetSwapFirst());
     LQuickPixel pixel;
     ASSERT_TRUE(projection.MapPixel(7, 2, pixel));
@@ -127,7 +139,8 @@ TEST(LProjection, CornersGoingRoundTheOtherWayTransposeThroughTheSwappedForm) {
 
 TEST(LProjection, AnIdentityQuadrilateralMapsEveryPixelOntoItself) {
     const CSize size{17, 11};
-    LProjection projection = PreparedProjection(rectangle(size.cx - 1, size.cy - 1), size, LProjection::FilterNearest);
+    LProjection projection =
+        PreparedProjection(rectangle(size.cx - 1, size.cy - 1), size, LProjection::FilterNearest);
     for (long y = 0; y < size.cy; ++y)
         for (long x = 0; x < size.cx; ++x) {
             LQuickPixel pixel;
@@ -202,7 +215,8 @@ TEST(LProjection, APointHalfwayBetweenFourPixelsWeighsThemAlikeOrFallsBackToTheC
 
     // With level 0.1 no neighbour keeps a positive weight: the centre takes all.
     LQuickPixel alone;
-    ASSERT_TRUE(PreparedProjection(rectangle(10, 10), {10, 10}, LProjection::FilterSquare, 0.1).MapPixel(5, 5, alone));
+    ASSERT_TRUE(PreparedProjection(rectangle(10, 10), {10, 10}, LProjection::FilterSquare, 0.1)
+                    .MapPixel(5, 5, alone));
     const double centreOnly[9] = {0, 0, 0, 0, 1.0, 0, 0, 0, 0};
     for (int i = 0; i < LQuickPixel::Count; ++i)
         EXPECT_EQ(alone.Weights[i], centreOnly[i]) << i;

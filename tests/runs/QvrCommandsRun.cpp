@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -101,4 +102,17 @@ TEST_F(QvrRun, FrameAndConvertWriteBmpFiles) {
     std::ifstream again(converted, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(again), std::istreambuf_iterator<char>()), bytes);
     EXPECT_EQ(run("convert '" + quick + "' '" + home.File("missing/x.bmp") + "'").ExitCode, 1);
+}
+
+TEST_F(QvrRun, ConvertRefusesAnEmptyPictureByItsNameAndLeavesNoFile) {
+    // A true-colour TGA file of 0 by 2 pixels.
+    const std::string empty = home.File("empty.tga");
+    std::ofstream(empty, std::ios::binary) << std::string("\0\0\2\0\0\0\0\0\0\0\0\0\0\0\2\0\x18\0", 18);
+    for (const char* output : {"empty.bmp", "empty.qts"}) {
+        const QvrRunResult convert = run("convert '" + empty + "' '" + home.File(output) + "'");
+        EXPECT_NE(convert.ExitCode, 0) << output;
+        EXPECT_NE(convert.Output.find(empty), std::string::npos) << convert.Output;
+        EXPECT_NE(convert.Output.find("is empty"), std::string::npos) << convert.Output;
+        EXPECT_FALSE(std::filesystem::exists(home.File(output))) << output;
+    }
 }

@@ -24,7 +24,8 @@ protected:
     // A blue layer of 32x24 and one standard saver per name in `savers`, each
     // writing BMP files of 16x12 under its own name, frames 0 to 4, with the log
     // in the scratch directory.
-    std::string writeProject(const std::vector<std::string>& savers, std::uint32_t lastFrame = 4) {
+    std::string writeProject(const std::vector<std::string>& savers, std::uint32_t lastFrame = 4,
+                             bool ignoreErrors = false) {
         iProject& project = iProject::GetStandard();
         project.Clear();
         auto* layer = static_cast<isrcLayer*>(project.Adopt(std::make_unique<isrcLayer>("Blue")));
@@ -40,7 +41,7 @@ protected:
             saver->SetSize({16, 12});
             saver->GetSetup().VideoEnd = lastFrame;
             saver->GetSetup().MiscThreadCnt = 2;
-            saver->GetSetup().ErrorsIgnore = false;
+            saver->GetSetup().ErrorsIgnore = ignoreErrors;
             saver->GetSetup().LogFile = home.File(name + ".rlog");
             std::filesystem::create_directories(home.File(name));
         }
@@ -95,6 +96,20 @@ TEST_F(QvrRenderRun, AFrameThatCannotBeSavedEndsTheRunWithFailures) {
     EXPECT_NE(run.Output.find("*** Thread #01 ERROR: Failed to save frame 2 to"), std::string::npos)
         << run.Output;
     EXPECT_FALSE(exists("Out/frame0003.bmp"));
+}
+
+TEST_F(QvrRenderRun, FramesThatCannotBeWrittenFailTheRunEvenWhenErrorsAreIgnored) {
+    const std::string project = writeProject({"Out"}, 4, true);
+    // No file may grow beyond 0 bytes: every frame's write fails as on a full disk.
+    const QvrRunResult run = RunShell("trap '' XFSZ; ulimit -f 0; QVR_HOME='" + home.Path.string() + "' '" +
+                                      QVR_PROGRAM + "' render '" + project + "' --threads 1");
+    EXPECT_EQ(run.ExitCode, 1) << run.Output;
+    EXPECT_NE(run.Output.find("5 frames could not be written"), std::string::npos) << run.Output;
+    EXPECT_NE(run.Output.find("frame0000.bmp: File too large"), std::string::npos) << run.Output;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(home.File("Out")),
+                            std::filesystem::directory_iterator()),
+              0)
+        << "neither partial frames nor temporary files are left";
 }
 
 TEST_F(QvrRenderRun, ARunThatCannotStartExitsWithTwo) {

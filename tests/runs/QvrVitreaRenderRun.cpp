@@ -76,3 +76,32 @@ TEST_F(QvrVitreaRenderRun, AnArrayThatCannotRenderExitsWithTwo) {
     EXPECT_NE(run.Output.find("All projectors have been turned off."), std::string::npos) << run.Output;
     EXPECT_EQ(RunQvr(home.Path.string(), "render '" + project + "' --output x.bmp").ExitCode, 2);
 }
+
+TEST_F(QvrVitreaRenderRun, ExportWritesTheThreeDefinitionFilesAsTheSetupPagesSaveThem) {
+    const std::string project = writeProject();
+    const QvrRunResult run =
+        RunQvr(home.Path.string(), "vitrea export '" + project + "' --calibration '" + home.File("a.vtcl") +
+                                       "' --metrics '" + home.File("a.vtmt") + "' --outputs '" +
+                                       home.File("a.vtfl") + "'");
+    ASSERT_EQ(run.ExitCode, 0) << run.Output;
+    iProject::GetStandard().Clear();
+    isvrVitrea expected("Array");
+    qvrTest::SetUpSmallArray(expected, home.Path.string());
+    const LConfiguration& configuration = expected.GetConfiguration();
+    std::string problem;
+    ASSERT_TRUE(configuration.Calibration.SaveToFile(home.File("b.vtcl"), problem)) << problem;
+    ASSERT_TRUE(configuration.Metrics.SaveToFile(home.File("b.vtmt"), problem)) << problem;
+    ASSERT_TRUE(configuration.OutputFiles.SaveToFile(home.File("b.vtfl"), problem)) << problem;
+    for (const char* extension : {".vtcl", ".vtmt", ".vtfl"})
+        EXPECT_EQ(ScratchDirectory::ReadAll(home.File(std::string("a") + extension)),
+                  ScratchDirectory::ReadAll(home.File(std::string("b") + extension)))
+            << extension;
+
+    const QvrRunResult none = RunQvr(home.Path.string(), "vitrea export '" + project + "' --saver Blue");
+    EXPECT_EQ(none.ExitCode, 2);
+    EXPECT_NE(none.Output.find("\"Blue\" is not a projector array saver"), std::string::npos) << none.Output;
+    const QvrRunResult unwritable = RunQvr(home.Path.string(), "vitrea export '" + project + "' --metrics '" +
+                                                                   home.File("no/such/a.vtmt") + "'");
+    EXPECT_EQ(unwritable.ExitCode, 1);
+    EXPECT_NE(unwritable.Output.find("No such file or directory"), std::string::npos) << unwritable.Output;
+}

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace {
 
 class QvrVitreaRun : public ::testing::Test {
@@ -58,6 +60,13 @@ TEST_F(QvrVitreaRun, MetricsRefuseEmptyWindowsAndBadNumbers) {
     EXPECT_TRUE(contains(run, "Error verifying window #1:")) << run.Output;
     EXPECT_EQ(vitrea("metrics '" + file("l.vtmt") + "' --dx many").ExitCode, 2);
     EXPECT_EQ(vitrea("windows x").ExitCode, 2);
+    run = vitrea("metrics '" + file("l.vtmt") + "' --w 9223372036854775807 --fix");
+    EXPECT_EQ(run.ExitCode, 2);
+    EXPECT_TRUE(contains(run, "--w wants a whole number of 32 bits")) << run.Output;
+    run = vitrea("metrics '" + file("l.vtmt") + "' --w 2147483647 --h 2147483647 --fix");
+    EXPECT_EQ(run.ExitCode, 2);
+    EXPECT_TRUE(contains(run, "The window reaches beyond the numbers")) << run.Output;
+    EXPECT_FALSE(std::filesystem::exists(file("l.vtmt")));
 }
 
 TEST_F(QvrVitreaRun, OutputsNameEveryProjectorsFile) {
