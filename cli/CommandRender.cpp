@@ -5,11 +5,10 @@
 
 #include "QvrCommand.h"
 #include "QvrRender.h"
-#include "QvrSaverChoice.h"
+#include "QvrSaverLookup.h"
 #include "QvrSession.h"
 
 #include "foundation/EStringTable.h"
-#include "foundation/hReport.h"
 #include "foundation/qvrString.h"
 #include "model/iProject.h"
 #include "output/ESaverExecution.h"
@@ -18,6 +17,7 @@
 #include "projector/EVitreaExecution.h"
 #include "projector/isvrVitrea.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -306,7 +306,13 @@ int renderWith(ESaverExecution& run, TerminalView& view, const iSaver& saver, Qv
     if (unsaved > 0)
         std::fprintf(stderr, "qvr render: %s: %u frames could not be written\n", saver.GetName().c_str(),
                      unsaved);
-    return !run.WasStopSent() && done == total && unsaved == 0 ? ExitSuccess : ExitFailures;
+    const bool whole = !run.WasStopSent() && done == total && unsaved == 0;
+    // The run counts a frame whose save failed as done; those who read the
+    // counts (batch and farm runs) count only frames on disk.
+    const std::uint32_t unwritten = std::min(unsaved, done);
+    done -= unwritten;
+    failed += unwritten;
+    return whole ? ExitSuccess : ExitFailures;
 }
 
 int renderStandard(isvrSaver& saver, const iSaverSetup& setup, QvrRenderCounts& counts) {
@@ -343,16 +349,16 @@ int runRender(const QvrCommand::Arguments& arguments) {
     if (!problem.empty()) return usage(problem);
     QvrSession session;
     if (!session.Started()) return ExitUsage;
-    hReportRoot report("Loading");
-    const bool loaded = session.GetApp().GetDocument().OnOpenDocument(options.Project, &report);
-    for (const hReportEntry& entry : report.GetEntries())
-        std::fprintf(stderr, "report %d %s: %s\n", entry.Level, entry.Path.c_str(), entry.Text.c_str());
-    if (!loaded) {
-        std::fprintf(stderr, "qvr render: %s: the project could not be loaded\n", options.Project.c_str());
+    std::string cannot;
+    if (!QvrSaverLookup::LoadProject(session, options.Project, cannot)) {
+        std::fprintf(stderr, "qvr render: %s\n", cannot.c_str());
         return ExitUsage;
     }
-    iSaver* saver = QvrFindSaver<iSaver>("render", options.Project, options.Saver, "saver");
-    if (!saver) return ExitUsage;
+    iSaver* saver = QvrSaverLookup::FindSaver(options.Saver, cannot);
+    if (!saver) {
+        std::fprintf(stderr, "qvr render: %s: %s\n", options.Project.c_str(), cannot.c_str());
+        return ExitUsage;
+    }
     if (!options.Output.empty()) {
         auto* standard = dynamic_cast<isvrSaver*>(saver);
         if (!standard) return usage("--output names the file of a standard saver only");

@@ -4,7 +4,7 @@
 // project.
 
 #include "QvrCommand.h"
-#include "QvrSaverChoice.h"
+#include "QvrSaverLookup.h"
 #include "QvrSession.h"
 
 #include "foundation/EStringTable.h"
@@ -218,9 +218,10 @@ int runExport(const QvrCommand::Arguments& arguments) {
     hReportRoot report("Loading");
     if (!session.GetApp().GetDocument().OnOpenDocument(options.Output, &report))
         return refuse(options.Output, "the project could not be loaded");
-    const auto* saver = QvrFindSaver<isvrVitrea>("vitrea", options.Output, options.Values["--saver"],
-                                                 "projector array saver");
-    if (!saver) return ExitUsage;
+    std::string missing;
+    const auto* saver =
+        QvrSaverLookup::FindSaverOf<isvrVitrea>(options.Values["--saver"], "projector array saver", missing);
+    if (!saver) return refuse(options.Output, missing);
     const LConfiguration& configuration = saver->GetConfiguration();
     int status = exportFile(configuration.Calibration, options, "--calibration");
     status = std::max(status, exportFile(configuration.Metrics, options, "--metrics"));

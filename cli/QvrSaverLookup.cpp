@@ -5,7 +5,7 @@
 #include "foundation/hReport.h"
 #include "foundation/qvrString.h"
 #include "model/iProject.h"
-#include "model/iSaver.h"
+#include "output/iSaver.h"
 
 #include <cstdio>
 
@@ -16,29 +16,6 @@ bool QvrSaverLookup::LoadProject(QvrSession& session, const std::string& path, s
         std::fprintf(stderr, "report %d %s: %s\n", entry.Level, entry.Path.c_str(), entry.Text.c_str());
     if (!loaded) problem = qvrFormat("%s: the project could not be loaded", path.c_str());
     return loaded;
-}
-
-iSaver* QvrSaverLookup::FindSaver(const std::string& name, std::string& problem) {
-    iProject& project = iProject::GetStandard();
-    if (!name.empty()) {
-        iElement* element = project.FindElement(name);
-        auto* saver = dynamic_cast<iSaver*>(element);
-        if (!element)
-            problem = qvrFormat("there is no element \"%s\"", name.c_str());
-        else if (!saver)
-            problem = qvrFormat("\"%s\" is not a saver", name.c_str());
-        return saver;
-    }
-    iSaver* found = nullptr;
-    int savers = 0;
-    for (iElement* element : project.GetElements())
-        if (auto* saver = dynamic_cast<iSaver*>(element)) {
-            found = saver;
-            ++savers;
-        }
-    if (savers == 1) return found;
-    problem = qvrFormat("the project holds %d savers; name one with --saver", savers);
-    return nullptr;
 }
 
 iSaver* QvrSaverLookup::FindSaver(const std::string& name, const std::string& saverClass,

@@ -219,6 +219,16 @@ void iElementData::LoadData(iElement& element, const qvrCTreeData& block, hRepor
     loadWindows(element, block);
 }
 
+namespace {
+
+// Whether the element is of the class and type a file names, under the type's
+// present or former name.
+bool isOfType(const iElement& element, const std::string& className, const std::string& type) {
+    return qvrEqualNoCase(element.GetElementClass(), className) && element.GetProducer()->Makes(type);
+}
+
+} // namespace
+
 iElement* iElementData::Create(const qvrCTreeData& block, hReport& report, iProject* project) {
     const std::string& name = block.GetName();
     size_t slash = block.Value.find('/');
@@ -239,8 +249,7 @@ iElement* iElementData::Create(const qvrCTreeData& block, hReport& report, iProj
             return nullptr;
         }
         element = project ? project->Adopt(std::move(made)) : made.release();
-    } else if (!qvrEqualNoCase(element->GetElementClass(), className) ||
-               !qvrEqualNoCase(element->GetElementType(), type)) {
+    } else if (!isOfType(*element, className, type)) {
         report.Report(qvrFormat("Cannot add object \"%s\" (type %s/%s): Object defined twice (type %s/%s)",
                                 name.c_str(), className.c_str(), type.c_str(),
                                 element->GetElementClass().c_str(), element->GetElementType().c_str()),
@@ -270,8 +279,7 @@ iElement* iElementData::GetByDescriptor(const std::string& text, hReport& report
                           hReportError);
         return element;
     }
-    if (!qvrEqualNoCase(element->GetElementClass(), className) ||
-        !qvrEqualNoCase(element->GetElementType(), type)) {
+    if (!isOfType(*element, className, type)) {
         report.Report(
             qvrFormat("Failed to create \"%s\": Object with this name already exists, but has type %s/%s, "
                       "not %s/%s as expected",

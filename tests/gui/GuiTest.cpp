@@ -270,7 +270,7 @@ private slots:
         const double y = valueOf(composerElement, "Inset: Y position", 0);
         mouse(*view, QEvent::MouseButtonPress, grip);
         mouse(*view, QEvent::MouseButtonRelease, grip);
-        QCOMPARE(view->GetLine(), QString("Inset (Cropper)"));
+        QCOMPARE(view->GetLine(), QString("Inset (Crop)"));
 
         mouse(*view, QEvent::MouseButtonPress, grip);
         for (int step = 1; step <= 4; ++step)
