@@ -3,7 +3,7 @@
 # touching apt only when something is missing.
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          libjpeg62-turbo-dev libpng-dev libdeflate-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg)
+          clang-14 libclang-rt-14-dev libjpeg62-turbo-dev libpng-dev libdeflate-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "ok installed" || missing+=("$p")
