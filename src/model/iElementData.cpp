@@ -14,6 +14,14 @@ qvrCTreeData& iElementFrameStore::CreateWindowBlock() {
 
 namespace {
 
+// Whether the element is of the class and type a file names, the type by its
+// name or by the former name its producer still reads.
+bool isOfType(const iElement& element, const std::string& className, const std::string& type) {
+    if (!qvrEqualNoCase(element.GetElementClass(), className)) return false;
+    const iFactoryProducer* producer = element.GetProducer();
+    return producer ? producer->Makes(type) : qvrEqualNoCase(element.GetElementType(), type);
+}
+
 std::string contextName(const iElement& element) {
     return qvrFormatMessage("Object %1 (%2)", {element.GetName(), element.GetElementType()});
 }
@@ -227,8 +235,7 @@ iElement* iElementData::Create(const qvrCTreeData& block, hReport& report, iProj
             return nullptr;
         }
         element = project ? project->Adopt(std::move(made)) : made.release();
-    } else if (!qvrEqualNoCase(element->GetElementClass(), className) ||
-               !qvrEqualNoCase(element->GetElementType(), type)) {
+    } else if (!isOfType(*element, className, type)) {
         report.Report(qvrFormat("Cannot add object \"%s\" (type %s/%s): Object defined twice (type %s/%s)",
                                 name.c_str(), className.c_str(), type.c_str(),
                                 element->GetElementClass().c_str(), element->GetElementType().c_str()),
@@ -258,8 +265,7 @@ iElement* iElementData::GetByDescriptor(const std::string& text, hReport& report
                           hReportError);
         return element;
     }
-    if (!qvrEqualNoCase(element->GetElementClass(), className) ||
-        !qvrEqualNoCase(element->GetElementType(), type)) {
+    if (!isOfType(*element, className, type)) {
         report.Report(
             qvrFormat("Failed to create \"%s\": Object with this name already exists, but has type %s/%s, "
                       "not %s/%s as expected",
