@@ -3,6 +3,7 @@
 # touching apt only when something is missing.
 set -euo pipefail
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
+          clang-14 libclang-rt-14-dev
           libjpeg62-turbo-dev libpng-dev libdeflate-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
           qt6-base-dev fonts-dejavu-core
           slurmctld slurmd slurm-client munge)

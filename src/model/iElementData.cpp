@@ -14,6 +14,14 @@ qvrCTreeData& iElementFrameStore::CreateWindowBlock() {
 
 namespace {
 
+// Whether the element is of the class and type a file names, the type by its
+// name or by the former name its producer still reads.
+bool isOfType(const iElement& element, const std::string& className, const std::string& type) {
+    if (!qvrEqualNoCase(element.GetElementClass(), className)) return false;
+    const iFactoryProducer* producer = element.GetProducer();
+    return producer ? producer->Makes(type) : qvrEqualNoCase(element.GetElementType(), type);
+}
+
 std::string contextName(const iElement& element) {
     return qvrFormatMessage("Object %1 (%2)", {element.GetName(), element.GetElementType()});
 }
@@ -218,16 +226,6 @@ void iElementData::LoadData(iElement& element, const qvrCTreeData& block, hRepor
     if (propertiesOpen) iObjectFrontEnd::Get().ShowProperties(element);
     loadWindows(element, block);
 }
-
-namespace {
-
-// Whether the element is of the class and type a file names, under the type's
-// present or former name.
-bool isOfType(const iElement& element, const std::string& className, const std::string& type) {
-    return qvrEqualNoCase(element.GetElementClass(), className) && element.GetProducer()->Makes(type);
-}
-
-} // namespace
 
 iElement* iElementData::Create(const qvrCTreeData& block, hReport& report, iProject* project) {
     const std::string& name = block.GetName();

@@ -4,6 +4,8 @@
 #include "foundation/qvrString.h"
 #include "foundation/qvrTrace.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr EStringId textFramesNumbered = 45102;
@@ -56,11 +58,12 @@ std::string formatPattern(std::string_view pattern, long number) {
 } // namespace
 
 bool EImageOutputSequenceSetup::IsValid() const {
-    return !(ownNumbering && step == 0);
+    return !(ownNumbering && step == 0) && digits >= 0 && digits <= MaxDigits;
 }
 
 void EImageOutputSequenceSetup::Repair() {
     if (ownNumbering && step == 0) step = 1;
+    digits = std::clamp(digits, 0L, MaxDigits);
 }
 
 void EImageOutputSequenceSetup::Reset() {
@@ -79,9 +82,9 @@ bool EImageOutputSequenceSetup::SetSetupString(std::string_view text) {
         text.size() > 2 && text.substr(0, 2) == "SQ" ? text.substr(2) : std::string_view{};
     std::string_view digitsField, ownField, startField;
     long newDigits = 0, newStart = 0, newStep = 0;
-    if (rest.empty() || !takeField(rest, digitsField) || !qvrParseLong(digitsField, newDigits) ||
-        !takeField(rest, ownField) || !takeField(rest, startField) || !qvrParseLong(startField, newStart) ||
-        !qvrParseLong(rest, newStep)) {
+    if (rest.empty() || !takeField(rest, digitsField) || !qvrParseLong32(digitsField, newDigits) ||
+        !takeField(rest, ownField) || !takeField(rest, startField) || !qvrParseLong32(startField, newStart) ||
+        !qvrParseLong32(rest, newStep)) {
         Reset();
         return false;
     }

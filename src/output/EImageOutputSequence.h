@@ -31,8 +31,10 @@ public:
     // The number in the name of a frame's file.
     long FileNumber(long frameIndex) const { return ownNumbering ? start + step * frameIndex : frameIndex; }
 
-    // Least number of digits of the number in a file name.
+    // Least number of digits of the number in a file name, at most MaxDigits.
     long digits = 4;
+    // The digits of the longest number a file name holds, one of 32 bits.
+    static constexpr long MaxDigits = 10;
     // Off: a file is numbered by its frame index; on: by start + step × frame index.
     bool ownNumbering = false;
     long start = 0;

@@ -184,8 +184,13 @@ void resampleRowPlain(const LQuickPixel* pixels, long count, const SourceReader&
 // nine neighbours are read, they serve only pixels inside the source's border.
 
 // Products are rounded before they are added, as in mixPixel: the compiler
-// may not fuse them with the addition where the processor could.
-template <class Vector> inline void keepRounded(Vector& products) {
+// may not fuse them with the addition where the processor could. Each form
+// carries the target of its callers, so that clang accepts the register.
+__attribute__((target("avx2"))) inline void keepRounded(__m256d& products) {
+    asm("" : "+v"(products));
+}
+
+__attribute__((target("avx512f"))) inline void keepRounded(__m512d& products) {
     asm("" : "+v"(products));
 }
 

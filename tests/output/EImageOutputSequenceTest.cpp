@@ -24,10 +24,14 @@ TEST(SequenceSetup, TextRoundTripsAndParsesLoosely) {
     EXPECT_TRUE(ParsedSetup("SQ4|x|0|1").ownNumbering);
     EXPECT_FALSE(ParsedSetup("SQ4|N|0|1").ownNumbering);
     EXPECT_EQ(ParsedSetup("SQ4|y|5|0").GetSetupString(), "SQ4|n|0|1");
+    EXPECT_EQ(ParsedSetup("SQ10|n|0|1").GetSetupString(), "SQ10|n|0|1");
+    for (const char* unusable : {"SQ888888888|n|0|80", "SQ-3|n|0|1"})
+        EXPECT_EQ(ParsedSetup(unusable).GetSetupString(), "SQ4|n|0|1") << unusable;
 }
 
 TEST(SequenceSetup, TextThatDoesNotParseGivesTheDefaults) {
-    for (const char* bad : {"AB4|n|0|1", "SQ", "S", "", "SQ4|n|0", "SQx|n|0|1", "SQ4|n|a|1", "SQ4|n|0|1|2"}) {
+    for (const char* bad : {"AB4|n|0|1", "SQ", "S", "", "SQ4|n|0", "SQx|n|0|1", "SQ4|n|a|1", "SQ4|n|0|1|2",
+                            "SQ4|y|0|4294967296"}) {
         EImageOutputSequenceSetup setup(BmpSequence());
         setup.digits = 7;
         setup.ownNumbering = true;
