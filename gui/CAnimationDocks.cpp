@@ -35,5 +35,7 @@ void AddAnimationDocks(QMainWindow& window) {
     QDockWidget* splines = addDock(window, new CSplineBarWindow(&window), "Spline bar", viewMenu);
     // The transport above the curves, both the width of the window.
     window.splitDockWidget(time, splines, Qt::Vertical);
-    window.resizeDocks({splines}, {280}, Qt::Vertical);
+    // Shown from the View menu; the main window's kept state brings them back as they were left.
+    time->hide();
+    splines->hide();
 }

@@ -134,6 +134,9 @@ private slots:
         bar = frame->findChild<CSplineBarWindow*>();
         time = frame->findChild<CTimeControlWindow*>();
         QVERIFY(bar && time);
+        bar->parentWidget()->show();
+        time->parentWidget()->show();
+        frame->resizeDocks({qobject_cast<QDockWidget*>(bar->parentWidget())}, {300}, Qt::Vertical);
     }
 
     void init() {
