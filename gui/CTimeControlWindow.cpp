@@ -118,7 +118,9 @@ void CTimeControlWindow::UpdateObject() {
     for (auto each = views.begin(); !element && each != views.end(); ++each)
         element = (*each)->GetView().GetElement();
     if (!element) element = project().GetFirstSelected();
-    if (element != Control.GetObject()) Control.SetObject(element);
+    if (element != Control.GetObject()) return Control.SetObject(element);
+    // A view opened since shows the current frame too.
+    showFrameInViews();
 }
 
 void CTimeControlWindow::showFrameInViews() {

@@ -47,7 +47,7 @@ public:
     QLineEdit& GetFrameField() const { return *FrameField; }
     // The object views of the main window.
     std::vector<CObjectViewWindow*> GetViews() const;
-    // Finds the object in view anew.
+    // Finds the object in view anew; every view shows the current frame.
     void UpdateObject();
 
     void Beep() override;

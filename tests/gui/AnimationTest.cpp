@@ -316,6 +316,9 @@ private slots:
         time->GetFrameField().setText("30");
         QTest::keyClick(&time->GetFrameField(), Qt::Key_Return);
         QVERIFY(allAt(30));
+        // A view opened now shows the frame as well.
+        CObjectViewWindow* later = frame->OpenView(*project().FindElement("Grade"));
+        QTRY_COMPARE(later->GetView().GetFrame(), 30L);
         QTRY_VERIFY_WITH_TIMEOUT(frame->AllViewsDrawn(), 20000);
         for (CObjectViewWindow* view : views)
             QCOMPARE(differenceFromQvrFrame(*view, 30), 0);
