@@ -1,6 +1,7 @@
 #include "CMainFrame.h"
 
 #include "CAddBar.h"
+#include "CAnimationDocks.h"
 #include "CObjectViewWindow.h"
 #include "CProjectPane.h"
 #include "CViewRenderer.h"
@@ -99,6 +100,7 @@ CMainFrame::CMainFrame(CTessarineDoc& document, bool persistent)
     auto* addBar = new CAddBar(*Pane, this);
     addToolBar(Qt::LeftToolBarArea, addBar);
     createMenus();
+    AddAnimationDocks(*this);
     statusBar()->showMessage("Ready");
     iObjectFrontEnd::Set(this);
     CCrashCatcher::SetBeforeQuestion([this] { hide(); });
