@@ -16,7 +16,7 @@
 #include "batch/ERenderLater.h"
 #include "foundation/iDataBase.h"
 #include "foundation/qvrString.h"
-#include "model/iSaver.h"
+#include "output/iSaver.h"
 
 #include <algorithm>
 #include <cstdio>

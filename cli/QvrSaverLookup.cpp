@@ -5,7 +5,7 @@
 #include "foundation/hReport.h"
 #include "foundation/qvrString.h"
 #include "model/iProject.h"
-#include "model/iSaver.h"
+#include "output/iSaver.h"
 
 #include <cstdio>
 
