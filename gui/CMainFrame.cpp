@@ -3,6 +3,7 @@
 #include "CAddBar.h"
 #include "CObjectViewWindow.h"
 #include "CProjectPane.h"
+#include "CPropertyDialog.h"
 #include "CViewRenderer.h"
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineDoc.h"
@@ -280,6 +281,15 @@ unsigned CMainFrame::TrackPopupMenu(const hMenu& menu, CPoint point, CWnd*) {
     fillMenu(popup, menu);
     QAction* chosen = popup.exec(QPoint(int(point.x), int(point.y)));
     return chosen && chosen->data().isValid() ? chosen->data().toUInt() : 0;
+}
+
+void CMainFrame::ShowProperties(iObjectBase& object) {
+    auto* element = dynamic_cast<iElement*>(&object);
+    if (!element) return;
+    CViewRenderer::Get().WaitIdle();
+    auto* dialog = new CPropertyDialog(*element, project().GetCurrentFrame(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 // ---------------------------------------------------------------- state

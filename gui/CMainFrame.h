@@ -55,6 +55,7 @@ public:
     unsigned TrackPopupMenu(const hMenu& menu, CPoint point, CWnd* window) override;
     void OpenView(iObjectBase& object) override;
     void RestoreView(iObjectBase& object, const qvrCTreeData& windowBlock) override;
+    void ShowProperties(iObjectBase& object) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -7,6 +7,7 @@
 #include "CMainFrame.h"
 #include "CObjectViewWindow.h"
 #include "CProjectPane.h"
+#include "CPropertyDialog.h"
 #include "CQtUserInterface.h"
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineApp.h"
@@ -24,6 +25,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -44,6 +46,7 @@ public:
     TestInterface() : CQtUserInterface(false) {}
     EMessageAnswer AskMessage(const EMessageRequest& request) override {
         Questions << QString::fromStdString(request.Title);
+        Texts << QString::fromStdString(request.Text);
         return CQtUserInterface::AskMessage(request);
     }
     std::optional<std::string> AskFile(const EFileDialogRequest&) override { return ChosenFile; }
@@ -53,6 +56,7 @@ public:
     void SetStatusText(const std::string& text) override { Status = QString::fromStdString(text); }
 
     QStringList Questions;
+    QStringList Texts;
     QStringList Reports;
     QString Status;
     std::string ChosenFile;
@@ -395,7 +399,98 @@ private slots:
         QVERIFY(!app.GetDocument().IsModified());
     }
 
+    // Every kind of object: the page opens from the element menu, refuses a
+    // bad entry with the system's text and gives the field its old text and
+    // the focus back; a good entry is one step of the undo chain after OK,
+    // and Cancel leaves the object as it was.
+    void everyPropertyPageRefusesBadEntriesAndCommitsGoodOnesAsOneStep() {
+        struct Case {
+            const char* Object;
+            const char* Field;
+            const char* Bad;
+            const char* Refusal;
+            const char* Good;
+        };
+        const Case cases[] = {
+            {"Backdrop", "&Alpha:", "300", "Invalid alpha value !", "200"},
+            {"Footage", "&Start frame:", "x", "Invalid value; you must enter a number.", "5"},
+            {"Badge size", "&Width:", "3", "Please enter a number greater or equal to 10.", "200"},
+            {"Composer", "Inset Op.:", "x", "Invalid opacity !", "50.00"},
+            {"Tilt", "&Angle:", "x", "Please enter a number !", "30"},
+            {"Inset", "&Color:", "1,2", "Invalid color !", "10,20,30"},
+            {"Grade", "&Brightness:", "500", "Please enter a number !", "20"},
+            {"Sharpen", "&Name:", "Backdrop", "There is already an object with that name !", "Sharper"},
+            {"Program", "&Name:", "", "The name cannot be empty !", "Programme"},
+            {"Frames", "&Name:", "", "The name cannot be empty !", "Stills"},
+        };
+        qvrCActionManager& actions = project().GetActionManager();
+        for (const Case& each : cases) {
+            const QString what = QString("%1 %2").arg(each.Object, each.Field);
+            QElapsedTimer clock;
+            clock.start();
+            CPropertyDialog* dialog = openProperties(each.Object);
+            qInfo("%s: page open in %lld ms", each.Object, clock.elapsed());
+            QVERIFY2(dialog, qPrintable(what));
+            QVERIFY(dialog->grab().save(output(QString("properties-%1.png").arg(each.Object))));
+            auto* field = qobject_cast<QLineEdit*>(dialog->FindField(each.Field));
+            QVERIFY2(field, qPrintable(what));
+            const QString old = field->text();
+            enter(*field, each.Bad);
+            QCOMPARE(ui.Texts.last(), QString(each.Refusal));
+            QCOMPARE(field->text(), old);
+            QCOMPARE(dialog->focusWidget(), field);
+
+            const long steps = actions.GetUndoCount();
+            enter(*field, each.Good);
+            QCOMPARE(field->text(), QString(each.Good));
+            dialog->accept();
+            QCOMPARE(actions.GetUndoCount(), steps + 1);
+            const std::string name = QString(each.Field) == "&Name:" ? each.Good : each.Object;
+            QCOMPARE(fieldText(name.c_str(), each.Field), QString(each.Good));
+            QVERIFY(frame->Undo());
+            QCOMPARE(fieldText(each.Object, each.Field), old);
+
+            dialog = openProperties(each.Object);
+            enter(*qobject_cast<QLineEdit*>(dialog->FindField(each.Field)), each.Good);
+            dialog->reject();
+            QCOMPARE(fieldText(each.Object, each.Field), old);
+            QCOMPARE(actions.GetUndoCount(), steps);
+        }
+    }
+
+    void aFlagOfTheTableIsACheckBoxThatUndoTakesBack() {
+        CPropertyDialog* dialog = openProperties("Badge size");
+        auto* lock = qobject_cast<QCheckBox*>(dialog->FindField("&Lock aspect"));
+        QVERIFY(lock);
+        const bool before = lock->isChecked();
+        lock->setChecked(!before);
+        dialog->accept();
+        QVERIFY(frame->Undo());
+        dialog = openProperties("Badge size");
+        QCOMPARE(qobject_cast<QCheckBox*>(dialog->FindField("&Lock aspect"))->isChecked(), before);
+        dialog->reject();
+    }
+
 private:
+    CPropertyDialog* openProperties(const char* name) {
+        for (CPropertyDialog* open : frame->findChildren<CPropertyDialog*>())
+            delete open;
+        element(name).RunMenuCommand(iElement::command_properties);
+        return frame->findChild<CPropertyDialog*>();
+    }
+
+    static void enter(QLineEdit& field, const QString& text) {
+        field.setText(text);
+        emit field.editingFinished();
+    }
+
+    QString fieldText(const char* object, const char* label) {
+        CPropertyDialog* dialog = openProperties(object);
+        const QString text = qobject_cast<QLineEdit*>(dialog->FindField(label))->text();
+        dialog->reject();
+        return text;
+    }
+
     TestInterface ui;
     CTessarineApp app{CTessarineApp::Preferences::ReadOnly};
     std::unique_ptr<CMainFrame> frame;
