@@ -47,25 +47,29 @@ hPropertyForm::hPropertyForm(iElement& element, long frame) : hPropertyPage(elem
 
 hPropertyForm::~hPropertyForm() = default;
 
+std::vector<hPropertyForm::Maker>& hPropertyForm::makers() {
+    static std::vector<Maker> registered;
+    return registered;
+}
+
+bool hPropertyForm::AddMaker(Maker maker) {
+    makers().push_back(maker);
+    return true;
+}
+
 hSequenceProperties* hPropertyForm::GetSequencePage() const {
     for (const auto& rules : Rules)
         if (auto* sequence = dynamic_cast<hSequenceProperties*>(rules.get())) return sequence;
     return nullptr;
 }
 
-void hPropertyForm::addText(std::string text, std::function<std::string()> show,
+void hPropertyForm::AddText(std::string text, std::function<std::string()> show,
                             std::function<bool(const std::string&)> commit) {
     Fields.push_back({std::move(text), hPropertyField::Kind::Text, std::move(show), std::move(commit)});
 }
 
-template <class Page> Page& hPropertyForm::keep(std::unique_ptr<Page> page) {
-    Page& kept = *page;
-    Rules.push_back(std::move(page));
-    return kept;
-}
-
 void hPropertyForm::addNameField(iElement& element) {
-    addText(
+    AddText(
         NameLabel, [&element] { return element.GetName(); },
         [this](const std::string& text) { return CommitName(text); });
 }
@@ -79,7 +83,7 @@ void hPropertyForm::addTableFields(Object& object, long frame,
         if (parameter.Kind == iParameterKind::Animated) {
             iActiveValue* value = findValue(object, parameter.Key);
             if (!value) continue;
-            addText(
+            AddText(
                 label(parameter.Label), [value, frame] { return wholeText(value->GetValue(frame)); },
                 [value, frame, &parameter](const std::string& text) {
                     long number = 0;
@@ -98,7 +102,7 @@ void hPropertyForm::addTableFields(Object& object, long frame,
                                   return true;
                               }});
         } else if (auto* whole = std::get_if<long Object::*>(&entry.Field)) {
-            addText(
+            AddText(
                 label(parameter.Label),
                 [&object, member = *whole] { return qvrFormat("%ld", object.*member); },
                 [&object, member = *whole, &parameter](const std::string& text) {
@@ -116,38 +120,38 @@ void hPropertyForm::addTableFields(Object& object, long frame,
 
 void hPropertyForm::addClassFields(iElement& element, long frame) {
     if (auto* layer = dynamic_cast<isrcLayer*>(&element)) {
-        auto& page = keep(std::make_unique<hLayerProperties>(*layer, frame));
-        addText(
+        auto& page = Keep(std::make_unique<hLayerProperties>(*layer, frame));
+        AddText(
             label(ObjectText::LabelWidth), [&page] { return page.GetWidthText(); },
             [&page](const std::string& t) { return page.CommitWidth(t); });
-        addText(
+        AddText(
             label(ObjectText::LabelHeight), [&page] { return page.GetHeightText(); },
             [&page](const std::string& t) { return page.CommitHeight(t); });
-        addText(
+        AddText(
             ColorLabel, [&page] { return page.GetColorText(); },
             [&page](const std::string& t) { return page.CommitColor(t); });
-        addText(
+        AddText(
             label(ObjectText::LabelAlpha), [&page] { return page.GetAlphaText(); },
             [&page](const std::string& t) { return page.CommitAlpha(t); });
         addTableFields(*layer, frame, {"Color Red", "Color Green", "Color Blue", "Color Alpha"});
     } else if (auto* rotate = dynamic_cast<imodRotate*>(&element)) {
-        auto& page = keep(std::make_unique<hRotateProperties>(*rotate, frame));
-        addText(
+        auto& page = Keep(std::make_unique<hRotateProperties>(*rotate, frame));
+        AddText(
             label(ObjectText::LabelAngle), [&page] { return page.GetAngleText(); },
             [&page](const std::string& t) { return page.CommitAngle(t); });
         addTableFields(*rotate, frame, {"Angle"});
     } else if (auto* scale = dynamic_cast<imodScale*>(&element)) {
-        auto& page = keep(std::make_unique<hScaleProperties>(*scale, frame));
-        addText(
+        auto& page = Keep(std::make_unique<hScaleProperties>(*scale, frame));
+        AddText(
             label(ObjectText::LabelWidth), [&page] { return page.GetWidthText(); },
             [&page](const std::string& t) { return page.CommitWidth(t); });
-        addText(
+        AddText(
             label(ObjectText::LabelHeight), [&page] { return page.GetHeightText(); },
             [&page](const std::string& t) { return page.CommitHeight(t); });
-        addText(
+        AddText(
             "Factor &X:", [&page] { return page.GetFactorXText(); },
             [&page](const std::string& t) { return page.CommitFactorX(t); });
-        addText(
+        AddText(
             "Factor &Y:", [&page] { return page.GetFactorYText(); },
             [&page](const std::string& t) { return page.CommitFactorY(t); });
         addTableFields(*scale, frame, {"Width", "Heigth"});
@@ -156,18 +160,18 @@ void hPropertyForm::addClassFields(iElement& element, long frame) {
     } else if (auto* merger = dynamic_cast<imodMerger*>(&element)) {
         addMergerFields(*merger, frame);
     } else if (auto* sequence = dynamic_cast<isrcSequence*>(&element)) {
-        auto& page = keep(std::make_unique<hSequenceProperties>(*sequence));
-        addText(
+        auto& page = Keep(std::make_unique<hSequenceProperties>(*sequence));
+        AddText(
             "&Range:",
             [sequence] {
                 return qvrFormat("%ld,%ld", sequence->GetFirstUsedFile(), sequence->GetLastUsedFile());
             },
             [&page](const std::string& t) { return page.CommitRange(t); });
-        addText(
+        AddText(
             label(ObjectText::LabelStartFrame),
             [sequence] { return qvrFormat("%ld", sequence->GetStdStartFrame()); },
             [&page](const std::string& t) { return page.CommitStartFrame(t); });
-        addText(
+        AddText(
             page.GetFramesLabel(), [sequence] { return qvrFormat("%ld", sequence->GetStdFramesPerImg()); },
             [&page](const std::string& t) { return page.CommitFramesPerImage(t); });
         addTableFields(*sequence, frame,
@@ -176,28 +180,31 @@ void hPropertyForm::addClassFields(iElement& element, long frame) {
         addTableFields(*correction, frame, {});
     } else if (auto* matrix = dynamic_cast<imodMatrix*>(&element)) {
         addTableFields(*matrix, frame, {});
+    } else {
+        for (Maker maker : makers())
+            if (maker(*this, element, frame)) return;
     }
 }
 
 void hPropertyForm::addCropFields(imodCrop& crop, long frame) {
-    auto& page = keep(std::make_unique<hCropProperties>(crop, frame));
+    auto& page = Keep(std::make_unique<hCropProperties>(crop, frame));
     const std::array<std::string, 4> labels = page.GetFieldLabels();
     for (size_t i = 0; i < labels.size(); ++i)
-        addText(
+        AddText(
             labels[i], [&page, i] { return page.GetEntry().Fields[i]; },
             [&page, i](const std::string& t) {
                 hCropEntry entry = page.GetEntry();
                 entry.Fields[i] = t;
                 return page.Apply(entry);
             });
-    addText(
+    AddText(
         ColorLabel, [&page] { return page.GetEntry().Color; },
         [&page](const std::string& t) {
             hCropEntry entry = page.GetEntry();
             entry.Color = t;
             return page.Apply(entry);
         });
-    addText(
+    AddText(
         label(ObjectText::LabelAlpha), [&page] { return page.GetEntry().Alpha; },
         [&page](const std::string& t) {
             hCropEntry entry = page.GetEntry();
@@ -209,19 +216,19 @@ void hPropertyForm::addCropFields(imodCrop& crop, long frame) {
 }
 
 void hPropertyForm::addMergerFields(imodMerger& merger, long frame) {
-    auto& page = keep(std::make_unique<hMergerProperties>(merger, frame));
+    auto& page = Keep(std::make_unique<hMergerProperties>(merger, frame));
     const std::array<std::string, 4> titles = hMergerProperties::GetColumnTitles();
     const size_t rows = page.GetRows().size();
     for (size_t row = 1; row < rows; ++row) {
         const std::string source = page.GetRows()[row].Source;
-        addText(
+        AddText(
             source + " " + titles[1] + "," + titles[2] + ":",
             [&page, row] {
                 const hMergerRow shown = page.GetRows()[row];
                 return shown.X + "," + shown.Y;
             },
             [&page, row](const std::string& t) { return page.CommitPosition(row, t); });
-        addText(
+        AddText(
             source + " " + titles[3] + ":", [&page, row] { return page.GetRows()[row].Opacity; },
             [&page, row](const std::string& t) { return page.CommitOpacity(row, t); });
     }

@@ -39,6 +39,21 @@ public:
     ~hPropertyForm();
 
     const std::vector<hPropertyField>& GetFields() const { return Fields; }
+
+    // The page rules of a kind that a higher layer defines: a maker adds the
+    // kind's fields and answers true when the element is of its kind.
+    using Maker = bool (*)(hPropertyForm& form, iElement& element, long frame);
+    // Registers a maker; called during static construction.
+    static bool AddMaker(Maker maker);
+
+    // For makers: a field of text, and rules that the form keeps as long as it lives.
+    void AddText(std::string label, std::function<std::string()> text,
+                 std::function<bool(const std::string&)> commit);
+    template <class Page> Page& Keep(std::unique_ptr<Page> page) {
+        Page& kept = *page;
+        Rules.push_back(std::move(page));
+        return kept;
+    }
     // The footage's rules, for "Change footage..."; null for other kinds.
     hSequenceProperties* GetSequencePage() const;
 
@@ -47,11 +62,9 @@ private:
     void addClassFields(iElement& element, long frame);
     void addCropFields(imodCrop& crop, long frame);
     void addMergerFields(imodMerger& merger, long frame);
-    void addText(std::string label, std::function<std::string()> text,
-                 std::function<bool(const std::string&)> commit);
     template <class Object>
     void addTableFields(Object& object, long frame, std::initializer_list<std::string_view> ruled);
-    template <class Page> Page& keep(std::unique_ptr<Page> page);
+    static std::vector<Maker>& makers();
 
     std::vector<std::unique_ptr<hPropertyPage>> Rules;
     std::vector<hPropertyField> Fields;

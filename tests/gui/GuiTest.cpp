@@ -422,6 +422,7 @@ private slots:
             {"Sharpen", "&Name:", "Backdrop", "There is already an object with that name !", "Sharper"},
             {"Program", "&Name:", "", "The name cannot be empty !", "Programme"},
             {"Frames", "&Name:", "", "The name cannot be empty !", "Stills"},
+            {"Movie", "&Size:", "5,5", "Neither dimension should be smaller than 10.", "320,240"},
         };
         qvrCActionManager& actions = project().GetActionManager();
         for (const Case& each : cases) {
