@@ -4,6 +4,7 @@
 #include "CObjectViewWindow.h"
 #include "CProjectPane.h"
 #include "CPropertyDialog.h"
+#include "CSaverFrontEnd.h"
 #include "CViewRenderer.h"
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineDoc.h"
@@ -14,6 +15,7 @@
 #include "model/iElement.h"
 #include "model/iElementGroup.h"
 #include "model/iProject.h"
+#include "output/iSaver.h"
 #include "views/ioleConnector.h"
 
 #include <QActionGroup>
@@ -102,6 +104,8 @@ CMainFrame::CMainFrame(CTessarineDoc& document, bool persistent)
     createMenus();
     statusBar()->showMessage("Ready");
     iObjectFrontEnd::Set(this);
+    SaverDialogs = std::make_unique<CSaverFrontEnd>(this, [this] { return Document.GetPathName(); });
+    ESaverFrontEnd::Set(SaverDialogs.get());
     CCrashCatcher::SetBeforeQuestion([this] { hide(); });
     auto* refresh = new QTimer(this);
     connect(refresh, &QTimer::timeout, this, &CMainFrame::updateState);
@@ -120,6 +124,7 @@ CMainFrame::CMainFrame(CTessarineDoc& document, bool persistent)
 CMainFrame::~CMainFrame() {
     CCrashCatcher::SetBeforeQuestion(nullptr);
     if (iObjectFrontEnd* current = &iObjectFrontEnd::Get(); current == this) iObjectFrontEnd::Set(nullptr);
+    if (&ESaverFrontEnd::Get() == SaverDialogs.get()) ESaverFrontEnd::Set(nullptr);
     closeAllViews();
 }
 
@@ -235,9 +240,9 @@ void CMainFrame::createOtherMenus() {
     QMenu* render = menuBar()->addMenu("&Render");
     QAction* renderNow = addCommand(render, "&Render...", "Render the selected saver");
     connect(renderNow, &QAction::triggered, this, [] {
-        iElement* saver = project().GetFirstSelected();
-        if (!saver || saver->GetElementClass() != "Saver") return status("Please select a saver...");
-        saver->OnProperties();
+        auto* saver = dynamic_cast<iSaver*>(project().GetFirstSelected());
+        if (!saver) return status("Please select a saver...");
+        saver->RunSetupDialog();
     });
     QMenu* options = menuBar()->addMenu("O&ptions");
     connect(addCommand(options, "&Autosave now", "Write the project to the autosave file now"),

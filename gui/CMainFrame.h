@@ -16,6 +16,7 @@
 
 class CObjectViewWindow;
 class CProjectPane;
+class CSaverFrontEnd;
 class CTessarineDoc;
 class QDockWidget;
 class iElement;
@@ -80,6 +81,7 @@ private:
     CTessarineDoc& Document;
     bool Persistent;
     CProjectPane* Pane = nullptr;
+    std::unique_ptr<CSaverFrontEnd> SaverDialogs;
     std::vector<CObjectViewWindow*> Views;
     std::vector<std::pair<std::string, std::unique_ptr<qvrCTreeData>>> Restored;
     QMenu* ObjectMenu = nullptr;

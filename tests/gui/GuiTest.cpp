@@ -4,11 +4,14 @@
 // test writes what it shows to QVR_OUTPUT, to be looked at.
 
 #include "CAddBar.h"
+#include "CExecutionDialog.h"
+#include "CJobAddDialog.h"
 #include "CMainFrame.h"
 #include "CObjectViewWindow.h"
 #include "CProjectPane.h"
 #include "CPropertyDialog.h"
 #include "CQtUserInterface.h"
+#include "CRenderSetupDialog.h"
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineApp.h"
 #include "app/EInitializer.h"
@@ -16,6 +19,8 @@
 #include "model/iElement.h"
 #include "model/iProject.h"
 #include "objects/imodMerger.h"
+#include "output/OutputText.h"
+#include "output/isvrSaver.h"
 #include "views/CObjectView.h"
 #include "views/ioleConnector.h"
 
@@ -23,15 +28,18 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
@@ -472,7 +480,91 @@ private slots:
         dialog->reject();
     }
 
+    // The same frames as `qvr render` of the same saver and range, byte for
+    // byte; the run's lines, figures and the Close button on the way.
+    void aRenderFromTheSetupDialogWritesWhatQvrRenderWrites() {
+        const QString desktop = output("render-desktop"), terminal = output("render-qvr");
+        for (const QString& folder : {desktop, terminal}) {
+            QDir(folder).removeRecursively();
+            QVERIFY(QDir().mkpath(folder));
+        }
+        auto& saver = dynamic_cast<isvrSaver&>(element("Frames"));
+        QElapsedTimer clock;
+        clock.start();
+        CRenderSetupDialog setup(saver, QString(QVR_SHOWCASE "/showcase.tsp").toStdString(), frame.get());
+        qInfo("render setup open in %lld ms", clock.elapsed());
+        QVERIFY(setup.grab().save(output("render-setup.png")));
+        const QString first = QString::fromStdString(EStringTable::Load(OutputText::LabelFirstFrame));
+        const QString last = QString::fromStdString(EStringTable::Load(OutputText::LabelLastFrame));
+        qobject_cast<QSpinBox*>(setup.FindField(first))->setValue(0);
+        qobject_cast<QSpinBox*>(setup.FindField(last))->setValue(RenderedFrames - 1);
+        auto* file = qobject_cast<QLineEdit*>(setup.FindField("File"));
+        file->setText(desktop + "/frame.bmp");
+        emit file->textEdited(file->text());
+        setup.GetRenderButton()->click();
+        QCOMPARE(setup.result(), int(QDialog::Accepted));
+        QCOMPARE(saver.GetSetup().VideoEnd, std::uint32_t(RenderedFrames - 1));
+
+        clock.restart();
+        CExecutionDialog execution(saver, saver.GetSetup(), frame.get());
+        execution.show();
+        QTRY_VERIFY_WITH_TIMEOUT(execution.GetRun().GetState() == ESaverExecution::StateOver, 120000);
+        const double desktopRate = RenderedFrames * 1000.0 / double(clock.elapsed());
+        QVERIFY(execution.grab().save(output("render-execution.png")));
+        QCOMPARE(execution.GetRun().GetStateText(), std::string(" Finished."));
+        QVERIFY(execution.GetLines().count() > 0);
+        frame->showNormal();
+
+        clock.restart();
+        QProcess qvr;
+        qvr.start(QVR_PROGRAM,
+                  {"render", QVR_SHOWCASE "/showcase.tsp", "--saver", "Frames", "--first", "0", "--last",
+                   QString::number(RenderedFrames - 1), "--output", terminal + "/frame.bmp"});
+        QVERIFY(qvr.waitForFinished(120000));
+        QCOMPARE(qvr.exitCode(), 0);
+        const double terminalRate = RenderedFrames * 1000.0 / double(clock.elapsed());
+        qInfo("frame rate: desktop %.2f/s, qvr render %.2f/s", desktopRate, terminalRate);
+        const QStringList written = QDir(terminal).entryList(QDir::Files);
+        QCOMPARE(written.size(), RenderedFrames);
+        QCOMPARE(QDir(desktop).entryList(QDir::Files), written);
+        for (const QString& name : written)
+            QVERIFY2(readAll(desktop + "/" + name) == readAll(terminal + "/" + name), qPrintable(name));
+    }
+
+    // The job that "Render later..." enters is the one `qvr batch list` shows
+    // once the program has written its preferences.
+    void renderLaterEntersTheJobThatQvrBatchListShows() {
+        CRenderSetupDialog setup(dynamic_cast<isvrSaver&>(element("Movie")),
+                                 QString(QVR_SHOWCASE "/showcase.tsp").toStdString(), frame.get());
+        const QString job = "later " + QString::number(QDateTime::currentMSecsSinceEpoch());
+        QTimer::singleShot(100, [&job] {
+            auto* add = qobject_cast<CJobAddDialog*>(QApplication::activeModalWidget());
+            if (!add) return;
+            add->grab().save(output("job-add.png"));
+            auto* name = add->findChild<QLineEdit*>("Name");
+            name->setText(job);
+            emit name->textEdited(job);
+            add->accept();
+        });
+        setup.GetLaterButton()->click();
+        QCOMPARE(setup.result(), int(QDialog::Rejected));
+        // The program writes its preferences, the batch list among them, at exit.
+        CTessarineApp::WritePreferences();
+        QProcess qvr;
+        qvr.start(QVR_PROGRAM, {"batch", "list"});
+        QVERIFY(qvr.waitForFinished(60000));
+        const QString listed = QString::fromUtf8(qvr.readAllStandardOutput());
+        QVERIFY2(listed.contains(job), qPrintable(listed));
+    }
+
 private:
+    static constexpr int RenderedFrames = 10;
+
+    static QByteArray readAll(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     CPropertyDialog* openProperties(const char* name) {
         for (CPropertyDialog* open : frame->findChildren<CPropertyDialog*>())
             delete open;
