@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -224,8 +225,9 @@ void hPropertyForm::addMergerFields(imodMerger& merger, long frame) {
         AddText(
             source + " " + titles[1] + "," + titles[2] + ":",
             [&page, row] {
+                // Whole numbers, as the field takes them: the list's decimals and animation marks go.
                 const hMergerRow shown = page.GetRows()[row];
-                return shown.X + "," + shown.Y;
+                return wholeText(std::atof(shown.X.c_str())) + "," + wholeText(std::atof(shown.Y.c_str()));
             },
             [&page, row](const std::string& t) { return page.CommitPosition(row, t); });
         AddText(

@@ -424,6 +424,7 @@ private slots:
             {"Footage", "&Start frame:", "x", "Invalid value; you must enter a number.", "5"},
             {"Badge size", "&Width:", "3", "Please enter a number greater or equal to 10.", "200"},
             {"Composer", "Inset Op.:", "x", "Invalid opacity !", "50.00"},
+            {"Composer", "Tilt X,Y:", "1", "Invalid position !", "10,-20"},
             {"Tilt", "&Angle:", "x", "Please enter a number !", "30"},
             {"Inset", "&Color:", "1,2", "Invalid color !", "10,20,30"},
             {"Grade", "&Brightness:", "500", "Please enter a number !", "20"},
