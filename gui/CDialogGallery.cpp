@@ -1,6 +1,7 @@
 #include "CDialogGallery.h"
 
 #include "CJobAddDialog.h"
+#include "CPreferencesDialog.h"
 #include "CPropertyDialog.h"
 #include "CRenderSetupDialog.h"
 #include "batch/EBatchJobAddDialog.h"
@@ -34,7 +35,9 @@ bool grab(QDialog& dialog, const QString& path) {
 int CDialogGallery::GrabAll(QWidget* parent, const std::string& projectPath, const QString& folder) {
     if (!QDir().mkpath(folder)) return -1;
     iProject& project = iProject::GetStandard();
-    int written = 0;
+    CPreferencesDialog preferences(parent);
+    if (!grab(preferences, QDir(folder).filePath("Preferences.png"))) return -1;
+    int written = 1;
     for (iElement* element : project.GetElements()) {
         CPropertyDialog properties(*element, project.GetCurrentFrame(), parent);
         if (!grab(properties, fileFor(folder, "Properties", element->GetName()))) return -1;

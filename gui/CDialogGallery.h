@@ -1,6 +1,6 @@
 #pragma once
 // Pictures of the program's dialogs over the open project, one PNG file per
-// dialog, named after it: the property dialog of every object, the render
+// dialog, named after it: the preferences, the property dialog of every object, the render
 // setup of every standard saver and the job-add window of "Render later...".
 // Nothing is changed: every dialog is drawn and closed with Cancel.
 

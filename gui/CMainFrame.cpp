@@ -2,6 +2,7 @@
 
 #include "CAddBar.h"
 #include "CObjectViewWindow.h"
+#include "CPreferencesDialog.h"
 #include "CProjectPane.h"
 #include "CPropertyDialog.h"
 #include "CSaverFrontEnd.h"
@@ -245,6 +246,11 @@ void CMainFrame::createOtherMenus() {
         saver->RunSetupDialog();
     });
     QMenu* options = menuBar()->addMenu("O&ptions");
+    connect(addCommand(options, "&Preferences...", "Change the program's settings"), &QAction::triggered,
+            this, [this] {
+                CPreferencesDialog preferences(this);
+                if (preferences.exec() == QDialog::Accepted) Pane->GetView().RestartAutoSave(false);
+            });
     connect(addCommand(options, "&Autosave now", "Write the project to the autosave file now"),
             &QAction::triggered, this, [this] { Pane->GetView().RestartAutoSave(true); });
     connect(

@@ -8,6 +8,7 @@
 #include "CJobAddDialog.h"
 #include "CMainFrame.h"
 #include "CObjectViewWindow.h"
+#include "CPreferencesDialog.h"
 #include "CProjectPane.h"
 #include "CPropertyDialog.h"
 #include "CQtUserInterface.h"
@@ -15,6 +16,7 @@
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineApp.h"
 #include "app/EInitializer.h"
+#include "foundation/EPrefsDiskIO.h"
 #include "model/iActiveValue.h"
 #include "model/iElement.h"
 #include "model/iProject.h"
@@ -38,6 +40,7 @@
 #include <QMouseEvent>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QStandardPaths>
@@ -556,6 +559,38 @@ private slots:
         QVERIFY(qvr.waitForFinished(60000));
         const QString listed = QString::fromUtf8(qvr.readAllStandardOutput());
         QVERIFY2(listed.contains(job), qPrintable(listed));
+    }
+
+    // A key changed in the dialog takes effect at once and is in the
+    // preference file that the program writes at its end; Cancel keeps it.
+    void preferencesChangedInTheDialogAreWrittenToTheFile() {
+        std::string file;
+        long interval = 0;
+        QVERIFY(EPrefsDiskIO::GetAutoSave(file, interval));
+        CPreferencesDialog preferences(frame.get());
+        QVERIFY(preferences.grab().save(output("preferences.png")));
+        auto* field = qobject_cast<QSpinBox*>(preferences.FindField("Disk I/O", "AutoSaveIntv"));
+        QVERIFY(field);
+        QCOMPARE(field->minimum(), 0);
+        field->setValue(int(interval) + 7);
+        preferences.accept();
+        long changed = 0;
+        QVERIFY(EPrefsDiskIO::GetAutoSave(file, changed));
+        QCOMPARE(changed, interval + 7);
+
+        CPreferencesDialog cancelled(frame.get());
+        qobject_cast<QSpinBox*>(cancelled.FindField("Disk I/O", "AutoSaveIntv"))->setValue(1);
+        cancelled.reject();
+        QVERIFY(EPrefsDiskIO::GetAutoSave(file, changed));
+        QCOMPARE(changed, interval + 7);
+
+        CTessarineApp::WritePreferences();
+        const QString written =
+            QString::fromUtf8(readAll(QString::fromStdString(CTessarineApp::GlobalPreferencesPath())) +
+                              readAll(QString::fromStdString(CTessarineApp::UserPreferencesPath())));
+        QVERIFY(written.contains(QRegularExpression(QString("AutoSaveIntv\\s*:?=\\s*%1").arg(interval + 7))));
+        EPrefsDiskIO::SetAutoSave(file, interval);
+        CTessarineApp::WritePreferences();
     }
 
 private:
