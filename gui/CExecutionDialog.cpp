@@ -78,13 +78,17 @@ void CExecutionDialog::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (Opened) return;
     Opened = true;
-    Run->Open();
-    Changed();
+    // Inside the window's own loop, so that a run that ends at once can close it.
+    QTimer::singleShot(0, this, [this] {
+        Run->Open();
+        dispatch();
+    });
 }
 
 void CExecutionDialog::dispatch() {
     Run->DispatchMessages();
     Changed();
+    if (CloseWhenOver && Run->GetState() == ESaverExecution::StateOver && !Run->IsClosed()) Run->OnButton();
 }
 
 void CExecutionDialog::Wake() {

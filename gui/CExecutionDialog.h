@@ -25,6 +25,8 @@ public:
     ~CExecutionDialog() override;
 
     ESaverExecution& GetRun() const { return *Run; }
+    // The batch processor's runs close the window themselves when they are over.
+    void SetCloseWhenOver(bool close) { CloseWhenOver = close; }
     QListWidget& GetLines() const { return *Lines; }
 
     // --- ESaverExecution::View.
@@ -55,4 +57,5 @@ private:
     QPushButton* Button = nullptr;
     std::unique_ptr<ESaverExecution> Run;
     bool Opened = false;
+    bool CloseWhenOver = false;
 };

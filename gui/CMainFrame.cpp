@@ -1,6 +1,7 @@
 #include "CMainFrame.h"
 
 #include "CAddBar.h"
+#include "CBatchDialog.h"
 #include "CObjectViewWindow.h"
 #include "CPreferencesDialog.h"
 #include "CProjectPane.h"
@@ -245,6 +246,8 @@ void CMainFrame::createOtherMenus() {
         if (!saver) return status("Please select a saver...");
         saver->RunSetupDialog();
     });
+    connect(addCommand(render, "&Batch processor...", "Render the jobs kept for later"), &QAction::triggered,
+            this, [this] { CBatchDialog(*this).exec(); });
     QMenu* options = menuBar()->addMenu("O&ptions");
     connect(addCommand(options, "&Preferences...", "Change the program's settings"), &QAction::triggered,
             this, [this] {

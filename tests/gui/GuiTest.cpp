@@ -4,6 +4,7 @@
 // test writes what it shows to QVR_OUTPUT, to be looked at.
 
 #include "CAddBar.h"
+#include "CBatchDialog.h"
 #include "CExecutionDialog.h"
 #include "CJobAddDialog.h"
 #include "CMainFrame.h"
@@ -16,6 +17,7 @@
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineApp.h"
 #include "app/EInitializer.h"
+#include "batch/EBatchJob.h"
 #include "foundation/EPrefsDiskIO.h"
 #include "model/iActiveValue.h"
 #include "model/iElement.h"
@@ -46,6 +48,7 @@
 #include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include <memory>
 
@@ -591,6 +594,35 @@ private slots:
         QVERIFY(written.contains(QRegularExpression(QString("AutoSaveIntv\\s*:?=\\s*%1").arg(interval + 7))));
         EPrefsDiskIO::SetAutoSave(file, interval);
         CTessarineApp::WritePreferences();
+    }
+
+    // Render runs the list through the execution window: a job whose saver is
+    // gone is told and passed, the next one renders every frame; the
+    // controls order the list.
+    void theBatchProcessorRendersTheListPastAFailingJob() {
+        EBatchJobList& list = EBatchJobList::Get();
+        list.DeleteAll();
+        const std::string project = QVR_SHOWCASE "/showcase.tsp";
+        list.Create({"gone", project, "Nothing", "Saver", std::time(nullptr)});
+        list.Create({"frames", project, "Frames", "Saver", std::time(nullptr)});
+        QDir written(QVR_SHOWCASE "/output/frames");
+        QVERIFY(written.mkpath("."));
+        for (const QString& file : written.entryList(QDir::Files))
+            QVERIFY(written.remove(file));
+        CBatchDialog batch(*frame);
+        QCOMPARE(batch.GetJobs().topLevelItemCount(), 2);
+        batch.GetJobs().setCurrentItem(batch.GetJobs().topLevelItem(1));
+        batch.GetButton("&Top")->click();
+        QCOMPARE(list.GetJob(0).Name, std::string("frames"));
+        batch.GetButton("Do&wn")->click();
+        QCOMPARE(list.GetJob(1).Name, std::string("frames"));
+        QVERIFY(batch.grab().save(output("batch-processor.png")));
+        batch.GetButton("&Render")->click();
+        QCOMPARE(batch.GetStatus(), QString("1 of 2 job(s) rendered completely."));
+        const std::uint32_t frames = dynamic_cast<isvrSaver&>(element("Frames")).GetSetup().VideoEnd + 1;
+        QCOMPARE(QDir(QVR_SHOWCASE "/output/frames").entryList(QDir::Files).size(), qsizetype(frames));
+        frame->showNormal();
+        list.DeleteAll();
     }
 
 private:
