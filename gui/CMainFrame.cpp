@@ -2,8 +2,12 @@
 
 #include "CAddBar.h"
 #include "CAnimationDocks.h"
+#include "CBatchDialog.h"
 #include "CObjectViewWindow.h"
+#include "CPreferencesDialog.h"
 #include "CProjectPane.h"
+#include "CPropertyDialog.h"
+#include "CSaverFrontEnd.h"
 #include "CViewRenderer.h"
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineDoc.h"
@@ -14,6 +18,7 @@
 #include "model/iElement.h"
 #include "model/iElementGroup.h"
 #include "model/iProject.h"
+#include "output/iSaver.h"
 #include "views/ioleConnector.h"
 
 #include <QActionGroup>
@@ -103,6 +108,8 @@ CMainFrame::CMainFrame(CTessarineDoc& document, bool persistent)
     AddAnimationDocks(*this);
     statusBar()->showMessage("Ready");
     iObjectFrontEnd::Set(this);
+    SaverDialogs = std::make_unique<CSaverFrontEnd>(this, [this] { return Document.GetPathName(); });
+    ESaverFrontEnd::Set(SaverDialogs.get());
     CCrashCatcher::SetBeforeQuestion([this] { hide(); });
     auto* refresh = new QTimer(this);
     connect(refresh, &QTimer::timeout, this, &CMainFrame::updateState);
@@ -121,6 +128,7 @@ CMainFrame::CMainFrame(CTessarineDoc& document, bool persistent)
 CMainFrame::~CMainFrame() {
     CCrashCatcher::SetBeforeQuestion(nullptr);
     if (iObjectFrontEnd* current = &iObjectFrontEnd::Get(); current == this) iObjectFrontEnd::Set(nullptr);
+    if (&ESaverFrontEnd::Get() == SaverDialogs.get()) ESaverFrontEnd::Set(nullptr);
     closeAllViews();
 }
 
@@ -236,11 +244,18 @@ void CMainFrame::createOtherMenus() {
     QMenu* render = menuBar()->addMenu("&Render");
     QAction* renderNow = addCommand(render, "&Render...", "Render the selected saver");
     connect(renderNow, &QAction::triggered, this, [] {
-        iElement* saver = project().GetFirstSelected();
-        if (!saver || saver->GetElementClass() != "Saver") return status("Please select a saver...");
-        saver->OnProperties();
+        auto* saver = dynamic_cast<iSaver*>(project().GetFirstSelected());
+        if (!saver) return status("Please select a saver...");
+        saver->RunSetupDialog();
     });
+    connect(addCommand(render, "&Batch processor...", "Render the jobs kept for later"), &QAction::triggered,
+            this, [this] { CBatchDialog(*this).exec(); });
     QMenu* options = menuBar()->addMenu("O&ptions");
+    connect(addCommand(options, "&Preferences...", "Change the program's settings"), &QAction::triggered,
+            this, [this] {
+                CPreferencesDialog preferences(this);
+                if (preferences.exec() == QDialog::Accepted) Pane->GetView().RestartAutoSave(false);
+            });
     connect(addCommand(options, "&Autosave now", "Write the project to the autosave file now"),
             &QAction::triggered, this, [this] { Pane->GetView().RestartAutoSave(true); });
     connect(
@@ -282,6 +297,15 @@ unsigned CMainFrame::TrackPopupMenu(const hMenu& menu, CPoint point, CWnd*) {
     fillMenu(popup, menu);
     QAction* chosen = popup.exec(QPoint(int(point.x), int(point.y)));
     return chosen && chosen->data().isValid() ? chosen->data().toUInt() : 0;
+}
+
+void CMainFrame::ShowProperties(iObjectBase& object) {
+    auto* element = dynamic_cast<iElement*>(&object);
+    if (!element) return;
+    CViewRenderer::Get().WaitIdle();
+    auto* dialog = new CPropertyDialog(*element, project().GetCurrentFrame(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 // ---------------------------------------------------------------- state

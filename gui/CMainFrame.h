@@ -16,6 +16,7 @@
 
 class CObjectViewWindow;
 class CProjectPane;
+class CSaverFrontEnd;
 class CTessarineDoc;
 class QDockWidget;
 class iElement;
@@ -55,6 +56,7 @@ public:
     unsigned TrackPopupMenu(const hMenu& menu, CPoint point, CWnd* window) override;
     void OpenView(iObjectBase& object) override;
     void RestoreView(iObjectBase& object, const qvrCTreeData& windowBlock) override;
+    void ShowProperties(iObjectBase& object) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -79,6 +81,7 @@ private:
     CTessarineDoc& Document;
     bool Persistent;
     CProjectPane* Pane = nullptr;
+    std::unique_ptr<CSaverFrontEnd> SaverDialogs;
     std::vector<CObjectViewWindow*> Views;
     std::vector<std::pair<std::string, std::unique_ptr<qvrCTreeData>>> Restored;
     QMenu* ObjectMenu = nullptr;

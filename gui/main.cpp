@@ -1,10 +1,13 @@
 // qvrtessarine [PROJECT]
 // qvrtessarine PROJECT --grab OUT.png [--view ELEMENT]... [--size W,H]
+// qvrtessarine --grab-dialogs DIR PROJECT
 //
 // Starts the components with the splash, shows the main window and opens the
 // project. With --grab it opens the named views, waits until every picture
-// is painted, writes the whole main window to OUT.png and ends.
+// is painted, writes the whole main window to OUT.png and ends. With
+// --grab-dialogs it writes a picture of every dialog into DIR and ends.
 
+#include "CDialogGallery.h"
 #include "CMainFrame.h"
 #include "CObjectViewWindow.h"
 #include "CQtUserInterface.h"
@@ -33,6 +36,7 @@ struct Arguments {
     std::vector<std::string> Shell; // what the application's own command line takes
     CCommandLineInfo CommandLine;
     std::optional<GrabRequest> Grab;
+    QString DialogFolder;
     QString Error;
 };
 
@@ -41,7 +45,13 @@ Arguments parse(const QStringList& words) {
     for (qsizetype i = 1; i < words.size(); ++i) {
         const QString& word = words[i];
         const bool hasValue = i + 1 < words.size();
-        if (word == "--grab" || word == "--view" || word == "--size") {
+        if (word == "--grab-dialogs") {
+            if (!hasValue) {
+                arguments.Error = word + " needs a folder";
+                return arguments;
+            }
+            arguments.DialogFolder = QFileInfo(words[++i]).absoluteFilePath();
+        } else if (word == "--grab" || word == "--view" || word == "--size") {
             if (!hasValue) {
                 arguments.Error = word + " needs a value";
                 return arguments;
@@ -67,6 +77,8 @@ Arguments parse(const QStringList& words) {
     arguments.CommandLine = CCommandLineInfo::Parse(arguments.Shell);
     if (arguments.Grab && (arguments.Grab->Output.isEmpty() || arguments.CommandLine.FileName.empty()))
         arguments.Error = "--grab needs a project and an output file";
+    if (!arguments.DialogFolder.isEmpty() && arguments.CommandLine.FileName.empty())
+        arguments.Error = "--grab-dialogs needs a project";
     return arguments;
 }
 
@@ -106,11 +118,12 @@ int main(int argc, char** argv) {
     if (!arguments.Error.isEmpty()) {
         std::fprintf(stderr,
                      "qvrtessarine: %s\nusage: qvrtessarine [PROJECT]\n"
-                     "       qvrtessarine PROJECT --grab OUT.png [--view ELEMENT]... [--size W,H]\n",
+                     "       qvrtessarine PROJECT --grab OUT.png [--view ELEMENT]... [--size W,H]\n"
+                     "       qvrtessarine --grab-dialogs DIR PROJECT\n",
                      qPrintable(arguments.Error));
         return 2;
     }
-    const bool grabbing = arguments.Grab.has_value();
+    const bool grabbing = arguments.Grab.has_value() || !arguments.DialogFolder.isEmpty();
     CQtUserInterface userInterface(!grabbing);
     EUserInterface::Set(&userInterface);
     CTessarineApp app(grabbing ? CTessarineApp::Preferences::ReadOnly
@@ -129,15 +142,20 @@ int main(int argc, char** argv) {
         }
         CMainFrame frame(app.GetDocument(), !grabbing);
         userInterface.SetStatusBar(frame.statusBar());
-        if (grabbing) frame.resize(arguments.Grab->Size);
+        if (arguments.Grab) frame.resize(arguments.Grab->Size);
         frame.show();
         splash.Close(&frame);
         const bool opened = commandLine.ShellCommand != CCommandLineInfo::Command::FileOpen ||
                             frame.OpenDocument(QString::fromStdString(commandLine.FileName));
         if (grabbing && !opened) {
             result = 1;
+        } else if (!arguments.DialogFolder.isEmpty()) {
+            const int written = CDialogGallery::GrabAll(&frame, commandLine.FileName, arguments.DialogFolder);
+            std::printf("qvrtessarine: %d dialog picture(s) in %s\n", written,
+                        qPrintable(arguments.DialogFolder));
+            result = written > 0 ? 0 : 1;
         } else {
-            if (grabbing) grabWhenPainted(frame, *arguments.Grab, application);
+            if (arguments.Grab) grabWhenPainted(frame, *arguments.Grab, application);
             result = app.Run([] { return QApplication::exec(); });
         }
         userInterface.SetStatusBar(nullptr);

@@ -1,11 +1,11 @@
 #include "app/CTessarineApp.h"
 
+#include "app/AppText.h"
 #include "app/CCrashCatcher.h"
 #include "app/EInitializer.h"
 #include "foundation/EEnvironment.h"
 #include "foundation/iDataBase.h"
 #include "foundation/qvrString.h"
-#include "app/AppText.h"
 
 #include <filesystem>
 
@@ -42,7 +42,7 @@ void CTessarineApp::readPreferences() {
     PreferencesRead = true;
 }
 
-void CTessarineApp::writePreferences() {
+void CTessarineApp::WritePreferences() {
     iDataBase database;
     database.Save(GlobalPreferencesPath(), DBMaskGlobalPrefs, 2, nullptr);
     database.Save(UserPreferencesPath(), DBMaskUserPrefs, 0, nullptr);
@@ -60,7 +60,7 @@ int CTessarineApp::Run(const std::function<int()>& loop) {
 
 int CTessarineApp::ExitInstance() {
     iProject::GetStandard().Clear();
-    if (PreferencesRead && PreferenceMode == Preferences::ReadAndWrite) writePreferences();
+    if (PreferencesRead && PreferenceMode == Preferences::ReadAndWrite) WritePreferences();
     if (Started) {
         EInitializerStatus silent;
         EInitializer::DoExitInstance(silent);

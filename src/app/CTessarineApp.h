@@ -27,10 +27,11 @@ public:
 
     static std::string GlobalPreferencesPath();
     static std::string UserPreferencesPath();
+    // Writes both preference files now; ExitInstance does it in ReadAndWrite mode.
+    static void WritePreferences();
 
 private:
     void readPreferences();
-    void writePreferences();
     bool processShellCommand(const CCommandLineInfo& commandLine);
 
     Preferences PreferenceMode;

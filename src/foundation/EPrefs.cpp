@@ -86,15 +86,50 @@ void EPrefsSection::Save(qvrCTreeData& block, hReport& report) {
         report.Report("Resouce is in use", hReportError);
         return;
     }
-    for (const Key& key : Keys) {
-        if (auto* textField = std::get_if<std::string*>(&key.Field))
-            block.SetText(key.Name, **textField);
-        else if (auto* longField = std::get_if<long*>(&key.Field))
-            block.SetLong(key.Name, **longField);
-        else
-            block.SetBool(key.Name, *std::get<bool*>(key.Field));
-    }
+    for (const Key& key : Keys)
+        saveKey(key, block);
     SaveExtra(block, report);
+}
+
+void EPrefsSection::saveKey(const Key& key, qvrCTreeData& block) {
+    if (auto* textField = std::get_if<std::string*>(&key.Field))
+        block.SetText(key.Name, **textField);
+    else if (auto* longField = std::get_if<long*>(&key.Field))
+        block.SetLong(key.Name, **longField);
+    else
+        block.SetBool(key.Name, *std::get<bool*>(key.Field));
+}
+
+const EPrefsSection::Key* EPrefsSection::findKey(std::string_view name) const {
+    for (const Key& key : Keys)
+        if (name == key.Name) return &key;
+    return nullptr;
+}
+
+std::vector<EPrefsSection::Setting> EPrefsSection::GetSettings() const {
+    std::vector<Setting> settings;
+    for (const Key& key : Keys) {
+        Setting setting{key.Name, Setting::Kind::Text, key.Minimum, key.Maximum};
+        if (std::holds_alternative<long*>(key.Field)) setting.Type = Setting::Kind::Number;
+        if (std::holds_alternative<bool*>(key.Field)) setting.Type = Setting::Kind::Flag;
+        settings.push_back(std::move(setting));
+    }
+    return settings;
+}
+
+std::string EPrefsSection::GetText(std::string_view name) const {
+    const Key* key = findKey(name);
+    Lock lock = TryLock();
+    if (!key || !lock) return {};
+    qvrCTreeData block;
+    saveKey(*key, block);
+    return block.Find(key->Name)->Value;
+}
+
+bool EPrefsSection::SetText(std::string_view name, const std::string& text) {
+    const Key* key = findKey(name);
+    Lock lock = TryLock();
+    return key && lock && loadKey(*key, text);
 }
 
 void EPrefsSection::Reset() {

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -43,6 +44,21 @@ public:
     void Save(qvrCTreeData& block, hReport& report) override;
     void Reset() override;
 
+    // A key as a settings window edits it.
+    struct Setting {
+        enum class Kind { Text, Number, Flag };
+        std::string Name;
+        Kind Type = Kind::Text;
+        long Minimum = LONG_MIN;
+        long Maximum = LONG_MAX;
+    };
+    std::vector<Setting> GetSettings() const;
+    // The key's value as the preference file writes it; empty for an unknown key.
+    std::string GetText(std::string_view name) const;
+    // Sets the key from text as the file would give it; false when the text
+    // is no value for the key or the section is in use.
+    bool SetText(std::string_view name, const std::string& text);
+
 protected:
     void AddText(const char* name, std::string* field, std::string defaultValue);
     void AddLong(const char* name, long* field, long defaultValue, long minimum = LONG_MIN,
@@ -63,6 +79,8 @@ private:
         long Maximum = LONG_MAX;
     };
     bool loadKey(const Key& key, const std::string& text);
+    static void saveKey(const Key& key, qvrCTreeData& block);
+    const Key* findKey(std::string_view name) const;
 
     mutable std::recursive_timed_mutex Guard;
     std::vector<Key> Keys;

@@ -251,3 +251,37 @@ bool Action_iElementDeleteMulti::doUndoAction(qvrCTreeData& tree) {
         if (!restore(record, *section)) return false;
     return true;
 }
+
+// ---------------------------------------------------------------- settings
+
+Action_iElement_Settings::Action_iElement_Settings(iProject& owner, std::string formerName,
+                                                   std::unique_ptr<qvrCTreeData> settings, iElement& element)
+    : Action_iElement(owner, element.GetName()), oldName(std::move(formerName)), before(std::move(settings)),
+      after("Settings") {
+    hReportRoot report("Action");
+    iElementData::SaveSettings(element, after, report);
+}
+
+bool Action_iElement_Settings::HasChanges() const {
+    return oldName != objectName || !before->IsEqual(after);
+}
+
+bool Action_iElement_Settings::doMakeAction(qvrCTreeData&) {
+    // The first time the dialog has made the change already.
+    if (GetState() == in_no_chain) return true;
+    return restore(oldName, objectName, after);
+}
+
+bool Action_iElement_Settings::doUndoAction(qvrCTreeData&) {
+    return restore(objectName, oldName, *before);
+}
+
+bool Action_iElement_Settings::restore(const std::string& from, const std::string& to,
+                                       const qvrCTreeData& settings) {
+    iElement* element = project.FindElement(from);
+    if (!element || (from != to && !element->SetName(to, true))) return false;
+    hReportRoot report("Action");
+    iElementData::LoadSettings(*element, settings, report);
+    element->NotifyModified(nullptr, true);
+    return true;
+}

@@ -1,13 +1,14 @@
 #pragma once
 // Actions on the elements of a project: add, rename, delete one, delete
-// several. An action keeps what it needs in a small tree, so that a deleted
-// element can be made again through the factory with its whole state, links
-// and keys included. Elements are held by name, never by pointer, since an
-// element may be gone and back again. User-interface thread only.
+// several, and the changes of a property dialog. An action keeps what it needs in a small tree, so that a
+// deleted element can be made again through the factory with its whole state, links and keys included.
+// Elements are held by name, never by pointer, since an element may be gone and back again. User-interface
+// thread only.
 
 #include "foundation/qvrCTreeData.h"
 #include "model/qvrCActionManager.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -118,4 +119,29 @@ private:
     bool restore(const Record& record, const qvrCTreeData& section);
 
     std::vector<Record> records;
+};
+
+// What a property dialog changed in one element: its name, values and own
+// data before and after, taken when the dialog opened and when it was
+// confirmed. Done, it only records: the dialog has already made the change.
+class Action_iElement_Settings : public Action_iElement {
+public:
+    // `before` holds what iElementData::SaveSettings wrote when the dialog opened.
+    Action_iElement_Settings(iProject& owner, std::string oldName, std::unique_ptr<qvrCTreeData> before,
+                             iElement& element);
+    std::string GetTitle() const override { return "Change properties"; }
+    // Whether the element differs from what it was when the dialog opened.
+    bool HasChanges() const;
+
+protected:
+    bool doUndoAction(qvrCTreeData& tree) override;
+    bool doMakeAction(qvrCTreeData& tree) override;
+
+private:
+    // Finds the element under `from`, names it `to` and loads `settings`.
+    bool restore(const std::string& from, const std::string& to, const qvrCTreeData& settings);
+
+    std::string oldName;
+    std::unique_ptr<qvrCTreeData> before;
+    qvrCTreeData after;
 };

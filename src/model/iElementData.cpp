@@ -227,6 +227,18 @@ void iElementData::LoadData(iElement& element, const qvrCTreeData& block, hRepor
     loadWindows(element, block);
 }
 
+void iElementData::SaveSettings(iElement& element, qvrCTreeData& block, hReport& report) {
+    hReport context(&report, contextName(element));
+    saveValues(element, block, context);
+    if (element.HasObjectBlock()) element.doSaveData(*block.CreateChild("Object"), context);
+}
+
+void iElementData::LoadSettings(iElement& element, const qvrCTreeData& block, hReport& report) {
+    hReport context(&report, contextName(element));
+    loadValues(element, block, context);
+    loadObject(element, block, context);
+}
+
 iElement* iElementData::Create(const qvrCTreeData& block, hReport& report, iProject* project) {
     const std::string& name = block.GetName();
     size_t slash = block.Value.find('/');

@@ -37,6 +37,10 @@ void LoadData(iElement& element, const qvrCTreeData& block, hReport& report);
 iElement* Create(const qvrCTreeData& block, hReport& report, iProject* project);
 // Resolves "class/type/name" in the project, creating the element if need be.
 iElement* GetByDescriptor(const std::string& text, hReport& report, iProject* project);
+// Writes only what a property page edits: the values and the class's own data.
+void SaveSettings(iElement& element, qvrCTreeData& block, hReport& report);
+// Reads what SaveSettings wrote.
+void LoadSettings(iElement& element, const qvrCTreeData& block, hReport& report);
 // Loads the element's block from the parent block that holds it under its name.
 bool LoadByName(iElement& element, const qvrCTreeData& parentBlock, hReport& report);
 // "class/type/name".

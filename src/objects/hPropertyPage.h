@@ -21,6 +21,8 @@ class iElement;
 
 class hPropertyPage {
 public:
+    virtual ~hPropertyPage() = default;
+
     // Renames the object when checkName accepts the text.
     bool CommitName(const std::string& text);
 

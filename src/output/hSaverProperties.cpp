@@ -4,8 +4,26 @@
 #include "foundation/qvrCTreeData.h"
 #include "foundation/qvrString.h"
 #include "model/iElementContainer.h"
+#include "objects/hPropertyForm.h"
 #include "output/EImageOutputStream.h"
 #include "output/isvrSaver.h"
+
+namespace {
+
+// The standard saver's property page: name and output size.
+bool makeSaverPage(hPropertyForm& form, iElement& element, long frame) {
+    auto* saver = dynamic_cast<isvrSaver*>(&element);
+    if (!saver) return false;
+    auto& page = form.Keep(std::make_unique<hSaverProperties>(*saver, frame));
+    form.AddText(
+        "&Size:", [&page] { return page.GetSizeText(); },
+        [&page](const std::string& text) { return page.CommitSize(text); });
+    return true;
+}
+
+const bool SaverPageMade = hPropertyForm::AddMaker(makeSaverPage);
+
+} // namespace
 
 hSaverProperties::hSaverProperties(isvrSaver& saver, long frame)
     : hPropertyPage(saver), Stream(saver.GetStream()), FileName(saver.GetFileName()),

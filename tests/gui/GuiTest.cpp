@@ -4,17 +4,27 @@
 // test writes what it shows to QVR_OUTPUT, to be looked at.
 
 #include "CAddBar.h"
+#include "CBatchDialog.h"
+#include "CExecutionDialog.h"
+#include "CJobAddDialog.h"
 #include "CMainFrame.h"
 #include "CObjectViewWindow.h"
+#include "CPreferencesDialog.h"
 #include "CProjectPane.h"
+#include "CPropertyDialog.h"
 #include "CQtUserInterface.h"
+#include "CRenderSetupDialog.h"
 #include "app/CCrashCatcher.h"
 #include "app/CTessarineApp.h"
 #include "app/EInitializer.h"
+#include "batch/EBatchJob.h"
+#include "foundation/EPrefsDiskIO.h"
 #include "model/iActiveValue.h"
 #include "model/iElement.h"
 #include "model/iProject.h"
 #include "objects/imodMerger.h"
+#include "output/OutputText.h"
+#include "output/isvrSaver.h"
 #include "views/CObjectView.h"
 #include "views/ioleConnector.h"
 
@@ -22,17 +32,23 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include <memory>
 
@@ -44,6 +60,7 @@ public:
     TestInterface() : CQtUserInterface(false) {}
     EMessageAnswer AskMessage(const EMessageRequest& request) override {
         Questions << QString::fromStdString(request.Title);
+        Texts << QString::fromStdString(request.Text);
         return CQtUserInterface::AskMessage(request);
     }
     std::optional<std::string> AskFile(const EFileDialogRequest&) override { return ChosenFile; }
@@ -53,6 +70,7 @@ public:
     void SetStatusText(const std::string& text) override { Status = QString::fromStdString(text); }
 
     QStringList Questions;
+    QStringList Texts;
     QStringList Reports;
     QString Status;
     std::string ChosenFile;
@@ -395,7 +413,245 @@ private slots:
         QVERIFY(!app.GetDocument().IsModified());
     }
 
+    // Every kind of object: the page opens from the element menu, refuses a
+    // bad entry with the system's text and gives the field its old text and
+    // the focus back; a good entry is one step of the undo chain after OK,
+    // and Cancel leaves the object as it was.
+    void everyPropertyPageRefusesBadEntriesAndCommitsGoodOnesAsOneStep() {
+        struct Case {
+            const char* Object;
+            const char* Field;
+            const char* Bad;
+            const char* Refusal;
+            const char* Good;
+        };
+        const Case cases[] = {
+            {"Backdrop", "&Alpha:", "300", "Invalid alpha value !", "200"},
+            {"Footage", "&Start frame:", "x", "Invalid value; you must enter a number.", "5"},
+            {"Badge size", "&Width:", "3", "Please enter a number greater or equal to 10.", "200"},
+            {"Composer", "Inset Op.:", "x", "Invalid opacity !", "50.00"},
+            {"Composer", "Tilt X,Y:", "1", "Invalid position !", "10,-20"},
+            {"Tilt", "&Angle:", "x", "Please enter a number !", "30"},
+            {"Inset", "&Color:", "1,2", "Invalid color !", "10,20,30"},
+            {"Grade", "&Brightness:", "500", "Please enter a number !", "20"},
+            {"Sharpen", "&Name:", "Backdrop", "There is already an object with that name !", "Sharper"},
+            {"Program", "&Name:", "", "The name cannot be empty !", "Programme"},
+            {"Frames", "&Name:", "", "The name cannot be empty !", "Stills"},
+            {"Movie", "&Size:", "5,5", "Neither dimension should be smaller than 10.", "320,240"},
+        };
+        qvrCActionManager& actions = project().GetActionManager();
+        for (const Case& each : cases) {
+            const QString what = QString("%1 %2").arg(each.Object, each.Field);
+            QElapsedTimer clock;
+            clock.start();
+            CPropertyDialog* dialog = openProperties(each.Object);
+            qInfo("%s: page open in %lld ms", each.Object, clock.elapsed());
+            QVERIFY2(dialog, qPrintable(what));
+            QVERIFY(dialog->grab().save(output(QString("properties-%1.png").arg(each.Object))));
+            auto* field = qobject_cast<QLineEdit*>(dialog->FindField(each.Field));
+            QVERIFY2(field, qPrintable(what));
+            const QString old = field->text();
+            enter(*field, each.Bad);
+            QCOMPARE(ui.Texts.last(), QString(each.Refusal));
+            QCOMPARE(field->text(), old);
+            QCOMPARE(dialog->focusWidget(), field);
+
+            const long steps = actions.GetUndoCount();
+            enter(*field, each.Good);
+            QCOMPARE(field->text(), QString(each.Good));
+            dialog->accept();
+            QCOMPARE(actions.GetUndoCount(), steps + 1);
+            const std::string name = QString(each.Field) == "&Name:" ? each.Good : each.Object;
+            QCOMPARE(fieldText(name.c_str(), each.Field), QString(each.Good));
+            QVERIFY(frame->Undo());
+            QCOMPARE(fieldText(each.Object, each.Field), old);
+
+            dialog = openProperties(each.Object);
+            enter(*qobject_cast<QLineEdit*>(dialog->FindField(each.Field)), each.Good);
+            dialog->reject();
+            QCOMPARE(fieldText(each.Object, each.Field), old);
+            QCOMPARE(actions.GetUndoCount(), steps);
+        }
+    }
+
+    void aFlagOfTheTableIsACheckBoxThatUndoTakesBack() {
+        CPropertyDialog* dialog = openProperties("Badge size");
+        auto* lock = qobject_cast<QCheckBox*>(dialog->FindField("&Lock aspect"));
+        QVERIFY(lock);
+        const bool before = lock->isChecked();
+        lock->setChecked(!before);
+        dialog->accept();
+        QVERIFY(frame->Undo());
+        dialog = openProperties("Badge size");
+        QCOMPARE(qobject_cast<QCheckBox*>(dialog->FindField("&Lock aspect"))->isChecked(), before);
+        dialog->reject();
+    }
+
+    // The same frames as `qvr render` of the same saver and range, byte for
+    // byte; the run's lines, figures and the Close button on the way.
+    void aRenderFromTheSetupDialogWritesWhatQvrRenderWrites() {
+        const QString desktop = output("render-desktop"), terminal = output("render-qvr");
+        for (const QString& folder : {desktop, terminal}) {
+            QDir(folder).removeRecursively();
+            QVERIFY(QDir().mkpath(folder));
+        }
+        auto& saver = dynamic_cast<isvrSaver&>(element("Frames"));
+        QElapsedTimer clock;
+        clock.start();
+        CRenderSetupDialog setup(saver, QString(QVR_SHOWCASE "/showcase.tsp").toStdString(), frame.get());
+        qInfo("render setup open in %lld ms", clock.elapsed());
+        QVERIFY(setup.grab().save(output("render-setup.png")));
+        const QString first = QString::fromStdString(EStringTable::Load(OutputText::LabelFirstFrame));
+        const QString last = QString::fromStdString(EStringTable::Load(OutputText::LabelLastFrame));
+        qobject_cast<QSpinBox*>(setup.FindField(first))->setValue(0);
+        qobject_cast<QSpinBox*>(setup.FindField(last))->setValue(RenderedFrames - 1);
+        auto* file = qobject_cast<QLineEdit*>(setup.FindField("File"));
+        file->setText(desktop + "/frame.bmp");
+        emit file->textEdited(file->text());
+        setup.GetRenderButton()->click();
+        QCOMPARE(setup.result(), int(QDialog::Accepted));
+        QCOMPARE(saver.GetSetup().VideoEnd, std::uint32_t(RenderedFrames - 1));
+
+        clock.restart();
+        CExecutionDialog execution(saver, saver.GetSetup(), frame.get());
+        execution.show();
+        QTRY_VERIFY_WITH_TIMEOUT(execution.GetRun().GetState() == ESaverExecution::StateOver, 120000);
+        const double desktopRate = RenderedFrames * 1000.0 / double(clock.elapsed());
+        QVERIFY(execution.grab().save(output("render-execution.png")));
+        QCOMPARE(execution.GetRun().GetStateText(), std::string(" Finished."));
+        QVERIFY(execution.GetLines().count() > 0);
+        frame->showNormal();
+
+        clock.restart();
+        QProcess qvr;
+        qvr.start(QVR_PROGRAM,
+                  {"render", QVR_SHOWCASE "/showcase.tsp", "--saver", "Frames", "--first", "0", "--last",
+                   QString::number(RenderedFrames - 1), "--output", terminal + "/frame.bmp"});
+        QVERIFY(qvr.waitForFinished(120000));
+        QCOMPARE(qvr.exitCode(), 0);
+        const double terminalRate = RenderedFrames * 1000.0 / double(clock.elapsed());
+        qInfo("frame rate: desktop %.2f/s, qvr render %.2f/s", desktopRate, terminalRate);
+        const QStringList written = QDir(terminal).entryList(QDir::Files);
+        QCOMPARE(written.size(), RenderedFrames);
+        QCOMPARE(QDir(desktop).entryList(QDir::Files), written);
+        for (const QString& name : written)
+            QVERIFY2(readAll(desktop + "/" + name) == readAll(terminal + "/" + name), qPrintable(name));
+    }
+
+    // The job that "Render later..." enters is the one `qvr batch list` shows
+    // once the program has written its preferences.
+    void renderLaterEntersTheJobThatQvrBatchListShows() {
+        CRenderSetupDialog setup(dynamic_cast<isvrSaver&>(element("Movie")),
+                                 QString(QVR_SHOWCASE "/showcase.tsp").toStdString(), frame.get());
+        const QString job = "later " + QString::number(QDateTime::currentMSecsSinceEpoch());
+        QTimer::singleShot(100, [&job] {
+            auto* add = qobject_cast<CJobAddDialog*>(QApplication::activeModalWidget());
+            if (!add) return;
+            add->grab().save(output("job-add.png"));
+            auto* name = add->findChild<QLineEdit*>("Name");
+            name->setText(job);
+            emit name->textEdited(job);
+            add->accept();
+        });
+        setup.GetLaterButton()->click();
+        QCOMPARE(setup.result(), int(QDialog::Rejected));
+        // The program writes its preferences, the batch list among them, at exit.
+        CTessarineApp::WritePreferences();
+        QProcess qvr;
+        qvr.start(QVR_PROGRAM, {"batch", "list"});
+        QVERIFY(qvr.waitForFinished(60000));
+        const QString listed = QString::fromUtf8(qvr.readAllStandardOutput());
+        QVERIFY2(listed.contains(job), qPrintable(listed));
+    }
+
+    // A key changed in the dialog takes effect at once and is in the
+    // preference file that the program writes at its end; Cancel keeps it.
+    void preferencesChangedInTheDialogAreWrittenToTheFile() {
+        std::string file;
+        long interval = 0;
+        QVERIFY(EPrefsDiskIO::GetAutoSave(file, interval));
+        CPreferencesDialog preferences(frame.get());
+        QVERIFY(preferences.grab().save(output("preferences.png")));
+        auto* field = qobject_cast<QSpinBox*>(preferences.FindField("Disk I/O", "AutoSaveIntv"));
+        QVERIFY(field);
+        QCOMPARE(field->minimum(), 0);
+        field->setValue(int(interval) + 7);
+        preferences.accept();
+        long changed = 0;
+        QVERIFY(EPrefsDiskIO::GetAutoSave(file, changed));
+        QCOMPARE(changed, interval + 7);
+
+        CPreferencesDialog cancelled(frame.get());
+        qobject_cast<QSpinBox*>(cancelled.FindField("Disk I/O", "AutoSaveIntv"))->setValue(1);
+        cancelled.reject();
+        QVERIFY(EPrefsDiskIO::GetAutoSave(file, changed));
+        QCOMPARE(changed, interval + 7);
+
+        CTessarineApp::WritePreferences();
+        const QString written =
+            QString::fromUtf8(readAll(QString::fromStdString(CTessarineApp::GlobalPreferencesPath())) +
+                              readAll(QString::fromStdString(CTessarineApp::UserPreferencesPath())));
+        QVERIFY(written.contains(QRegularExpression(QString("AutoSaveIntv\\s*:?=\\s*%1").arg(interval + 7))));
+        EPrefsDiskIO::SetAutoSave(file, interval);
+        CTessarineApp::WritePreferences();
+    }
+
+    // Render runs the list through the execution window: a job whose saver is
+    // gone is told and passed, the next one renders every frame; the
+    // controls order the list.
+    void theBatchProcessorRendersTheListPastAFailingJob() {
+        EBatchJobList& list = EBatchJobList::Get();
+        list.DeleteAll();
+        const std::string project = QVR_SHOWCASE "/showcase.tsp";
+        list.Create({"gone", project, "Nothing", "Saver", std::time(nullptr)});
+        list.Create({"frames", project, "Frames", "Saver", std::time(nullptr)});
+        QDir written(QVR_SHOWCASE "/output/frames");
+        QVERIFY(written.mkpath("."));
+        for (const QString& file : written.entryList(QDir::Files))
+            QVERIFY(written.remove(file));
+        CBatchDialog batch(*frame);
+        QCOMPARE(batch.GetJobs().topLevelItemCount(), 2);
+        batch.GetJobs().setCurrentItem(batch.GetJobs().topLevelItem(1));
+        batch.GetButton("&Top")->click();
+        QCOMPARE(list.GetJob(0).Name, std::string("frames"));
+        batch.GetButton("Do&wn")->click();
+        QCOMPARE(list.GetJob(1).Name, std::string("frames"));
+        QVERIFY(batch.grab().save(output("batch-processor.png")));
+        batch.GetButton("&Render")->click();
+        QCOMPARE(batch.GetStatus(), QString("1 of 2 job(s) rendered completely."));
+        const std::uint32_t frames = dynamic_cast<isvrSaver&>(element("Frames")).GetSetup().VideoEnd + 1;
+        QCOMPARE(QDir(QVR_SHOWCASE "/output/frames").entryList(QDir::Files).size(), qsizetype(frames));
+        frame->showNormal();
+        list.DeleteAll();
+    }
+
 private:
+    static constexpr int RenderedFrames = 10;
+
+    static QByteArray readAll(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    CPropertyDialog* openProperties(const char* name) {
+        for (CPropertyDialog* open : frame->findChildren<CPropertyDialog*>())
+            delete open;
+        element(name).RunMenuCommand(iElement::command_properties);
+        return frame->findChild<CPropertyDialog*>();
+    }
+
+    static void enter(QLineEdit& field, const QString& text) {
+        field.setText(text);
+        emit field.editingFinished();
+    }
+
+    QString fieldText(const char* object, const char* label) {
+        CPropertyDialog* dialog = openProperties(object);
+        const QString text = qobject_cast<QLineEdit*>(dialog->FindField(label))->text();
+        dialog->reject();
+        return text;
+    }
+
     TestInterface ui;
     CTessarineApp app{CTessarineApp::Preferences::ReadOnly};
     std::unique_ptr<CMainFrame> frame;
